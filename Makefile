@@ -1,0 +1,54 @@
+# The two commands of the README: `make demo` and `make test`.
+# Both install what is missing first (scripts/setup.sh).
+
+BUILD      ?= build
+ASAN_BUILD ?= build-asan
+BENCH_BUILD ?= build-bench
+JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
+CLI        := $(BUILD)/src/cli/vantoro-cli
+DEMO_OUT   ?= demo-output
+
+.PHONY: all setup build test test-main test-asan demo bench format clean
+
+all: build
+
+setup:
+	@bash scripts/setup.sh
+
+$(BUILD)/CMakeCache.txt:
+	cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVANTORO_WERROR=ON -DVANTORO_BENCH=OFF
+
+build: setup $(BUILD)/CMakeCache.txt
+	cmake --build $(BUILD) -j $(JOBS)
+
+test-main: build
+	cd $(BUILD) && ctest --output-on-failure -j $(JOBS)
+
+$(ASAN_BUILD)/CMakeCache.txt:
+	cmake -S . -B $(ASAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DVANTORO_WERROR=ON \
+	  -DVANTORO_SANITIZE=ON -DVANTORO_BENCH=OFF
+
+# The core tests again under AddressSanitizer and UndefinedBehaviorSanitizer.
+test-asan: setup $(ASAN_BUILD)/CMakeCache.txt
+	cmake --build $(ASAN_BUILD) -j $(JOBS)
+	cd $(ASAN_BUILD) && ASAN_OPTIONS=detect_leaks=1 ctest --output-on-failure -j $(JOBS) -L core
+
+test: test-main test-asan
+
+demo: build
+	rm -rf $(DEMO_OUT) && mkdir -p $(DEMO_OUT)
+	$(CLI) replay data/Recordings/demo-c172-circuit.vrec --root data --out $(DEMO_OUT)
+	@echo "The pilot's log files are in $(DEMO_OUT)/"
+
+$(BENCH_BUILD)/CMakeCache.txt:
+	cmake -S . -B $(BENCH_BUILD) -DCMAKE_BUILD_TYPE=Release -DVANTORO_TESTS=OFF -DVANTORO_BENCH=ON
+
+bench: setup $(BENCH_BUILD)/CMakeCache.txt
+	cmake --build $(BENCH_BUILD) -j $(JOBS)
+	@for b in $(BENCH_BUILD)/bench/bench_*; do echo "== $$b"; $$b --benchmark_min_time=0.2; done
+
+format:
+	find src tests bench tools -name '*.cpp' -o -name '*.h' | xargs clang-format -i
+
+clean:
+	rm -rf $(BUILD) $(ASAN_BUILD) $(BENCH_BUILD) $(DEMO_OUT)

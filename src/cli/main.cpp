@@ -1,0 +1,6 @@
+#include <cstdio>
+// vantoro-cli: built next.
+int main() {
+  std::puts("vantoro-cli");
+  return 0;
+}

@@ -1,0 +1,47 @@
+// The polling tick: read the simulator, decode, test the flight for
+// abnormal situations, move the flight mode, run the monitors of the phase in
+// their fixed order, swap the records.
+#pragma once
+
+#include <array>
+
+#include "base/events.h"
+#include "base/seams.h"
+#include "engine/flight_state.h"
+#include "engine/options.h"
+#include "link/simlink.h"
+#include "link/snapshot.h"
+#include "voice/sound_queue.h"
+#include "world/aircraft.h"
+
+namespace vantoro {
+
+// Everything one tick reads and changes, by reference; the state root builds
+// it. Rules inside the tick take only the parts they need.
+struct Cockpit {
+  LinkState& link;
+  FlightState& flight;
+  SoundState& sound;
+  AircraftValues& aircraft;
+  const EngineOptions& options;
+  SimLink& sim;
+  std::array<AudioOut*, 2> audio;
+  Events& events;
+  const Clock& clock;
+  Random& random;
+
+  // The voice handle for this tick's TickCount.
+  Voice voice() { return Voice{sound, audio, &sim, events, flight.TickCount}; }
+};
+
+// One polling tick (every 500 ms).
+void FSPolling(Cockpit& c);
+
+// Opens the link and fills the status line; true when connected.
+bool FSConnect(Cockpit& c);
+// The pilot presses Connect: resets the flights and starts the connection.
+bool ConnectToFS(Cockpit& c);
+// The connection ends; reason non-zero also shows the end-of-connection text.
+void DisconnectFromFS(Cockpit& c, int reason);
+
+}  // namespace vantoro

@@ -1,0 +1,58 @@
+// The simulator link: a batch of reads and writes of simulator offsets, sent
+// in one exchange. Every implementation (the inter-process client on Windows,
+// FlightGear, X-Plane, the replay of a recording, the in-memory image of the
+// tests) answers with the same result codes.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace vantoro {
+
+enum LinkResult : int {
+  kLinkOk = 0,
+  kLinkAlreadyOpen = 1,
+  kLinkNoServer = 2,
+  kLinkRegisterFailed = 3,
+  kLinkAtomFailed = 4,
+  kLinkMappingFailed = 5,
+  kLinkViewFailed = 6,
+  kLinkWrongVersion = 7,
+  kLinkWrongSim = 8,
+  kLinkNotOpen = 9,
+  kLinkNothingQueued = 10,
+  kLinkTimeout = 11,
+  kLinkSendFailed = 12,
+  kLinkBadData = 13,
+  kLinkWideClientNoServer = 14,
+  kLinkBatchFull = 15,
+};
+
+// The words of a result code ("Okay", "Cannot link to FSUIPC or WideClient"...).
+const char* LinkResultText(int result);
+
+// Simulator names by the code in the low word of the server's id word;
+// code 10 ("P3D") exists only in the Prepar3D build mode.
+const char* SimulatorName(int code, bool p3dMode);
+
+class SimLink {
+ public:
+  virtual ~SimLink() = default;
+
+  // Opens the link; requestedSim 0 accepts any simulator.
+  virtual bool Open(int requestedSim, int& result) = 0;
+  virtual void Close() = 0;
+  virtual bool IsOpen() const = 0;
+
+  // Queue a read into `destination` (filled by Process) or a write of `source`.
+  virtual bool Read(uint32_t offset, uint32_t size, void* destination, int& result) = 0;
+  virtual bool Write(uint32_t offset, uint32_t size, const void* source, int& result) = 0;
+  // Sends the batch and copies the replies; the batch is emptied either way.
+  virtual bool Process(int& result) = 0;
+
+  // The two words read at open: server version and simulator id (low word).
+  virtual uint32_t FsVersion() const = 0;
+  virtual uint32_t FsId() const = 0;
+};
+
+}  // namespace vantoro

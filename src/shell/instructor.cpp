@@ -1,0 +1,39 @@
+#include "shell/instructor.h"
+
+#include "base/files.h"
+
+namespace vantoro {
+
+Instructor::Instructor(std::string rootFolder, Seams seams)
+    : root(TidyFolder(rootFolder)), seams_(seams) {
+  if (seams_.events == nullptr) seams_.events = &noEvents_;
+  sound.SoundRoot = root;
+  LoadCaptions(sound, root + "text\\english.txt");
+  LoadInstructors(sound);
+  if (!sound.Instructors.empty()) sound.Instructor = sound.Instructors.front();
+  InitSound(sound);
+}
+
+Cockpit Instructor::cockpit() {
+  return Cockpit{link,        flight,       sound,          aircraft,      options,
+                 *seams_.sim, seams_.audio, *seams_.events, *seams_.clock, *seams_.random};
+}
+
+bool Instructor::Connect() {
+  Cockpit c = cockpit();
+  if (!flight.Connected) FSConnect(c);
+  return ConnectToFS(c);
+}
+
+void Instructor::Tick() {
+  Cockpit c = cockpit();
+  FSPolling(c);
+}
+
+void Instructor::SoundStep() {
+  Voice v{sound, seams_.audio, seams_.sim, *seams_.events, flight.TickCount};
+  SoundTimer(v, 0);
+  SoundTimer(v, 1);
+}
+
+}  // namespace vantoro

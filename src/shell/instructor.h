@@ -1,0 +1,47 @@
+// The state root: one instructor, made of one plain struct per subsystem and
+// the seams through which it meets the world. Tests build as many as they
+// like; nothing is global.
+#pragma once
+
+#include <array>
+#include <string>
+
+#include "engine/polling.h"
+
+namespace vantoro {
+
+struct Seams {
+  SimLink* sim = nullptr;
+  std::array<AudioOut*, 2> audio{};
+  Events* events = nullptr;
+  const Clock* clock = nullptr;
+  Random* random = nullptr;
+};
+
+class Instructor {
+ public:
+  // root: the program's root folder (Sound\, text\, Aircraft\, settings.ini).
+  Instructor(std::string root, Seams seams);
+
+  // The Connect button.
+  bool Connect();
+  // One polling tick (500 ms).
+  void Tick();
+  // One step of the sound timer (125 ms) on both channels.
+  void SoundStep();
+
+  Cockpit cockpit();
+
+  LinkState link;
+  FlightState flight;
+  SoundState sound;
+  AircraftValues aircraft;
+  EngineOptions options;
+  std::string root;
+
+ private:
+  Seams seams_;
+  NoEvents noEvents_;
+};
+
+}  // namespace vantoro

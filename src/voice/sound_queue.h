@@ -1,0 +1,122 @@
+// The one path by which any recorded file reaches the loudspeaker. Rules call
+// the enqueue operations (PlayPerhaps and friends) from the polling tick; the
+// sound timer takes entries off the ring one at a time, drops what has gone
+// stale, plays the rest and shows the words of each file as a caption.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "base/events.h"
+#include "voice/audio_out.h"
+
+namespace vantoro {
+
+class SimLink;
+
+inline constexpr int kRingSize = 20;
+inline constexpr int kSoundFamilies = 201;  // ids 0..200
+inline constexpr int kModeQueue = 100;      // append to the ring
+inline constexpr int kModePurge = 200;      // stop, empty the ring, play this
+inline constexpr int kPlayAlwaysValidFor = 120;
+inline constexpr int kRingFull = -999;
+inline constexpr int kCaptionBufferLength = 150;
+
+struct QueuedSound {
+  std::string Path;  // path below the program root, "\" separated
+  std::string File;  // the file as the caller named it (for events)
+  int32_t QueuedAt = 0;
+  int32_t ValidFor = 0;  // ticks; 0 or less never goes stale
+};
+
+struct SoundChannel {
+  std::array<QueuedSound, kRingSize> Entries{};
+  int16_t Head = 0;
+  int16_t Tail = -1;
+  int16_t Count = 0;
+  bool Ready = true;  // the device has reported the end of the last file
+  int32_t LastStamp = 0;
+};
+
+// What the status part of the simulator's message line shows.
+struct MessageStatus {
+  int32_t Nav1OBS = 0;
+  std::string Mode;  // "Taxiing  ", "Taking Off  ", ... or ""
+  bool CircuitTraining = false;
+  std::string CircuitLeg;  // "Base  ", ... or eight blanks
+  std::string DataSource;  // "[FSR]  ", "[FSU]  " or ""
+  std::string WaypointName = "Unknown";
+  int32_t WaypointHeading = 0;
+};
+
+struct SoundState {
+  std::array<int32_t, kSoundFamilies> LastPlayed{};
+  std::array<SoundChannel, 2> Channels{};
+
+  std::unordered_map<std::string, std::string> CaptionTable;
+  std::string CaptionBuffer;
+  bool Muted = false;
+
+  std::string SoundRoot;   // program root folder, ends in "\"
+  std::string Instructor;  // folder name below "Sound\"
+  std::vector<std::string> Instructors;
+
+  // Options of the sound page.
+  bool DisableSound = false;
+  bool CaptionsOn = true;
+  int InstructorVolume = 2;  // index 0..4
+  int SoundCard = -1;        // device index, -1 the system default
+
+  MessageStatus Status;
+  // The last remark shown: its caption and level (1 amber, 2 red).
+  std::string RemarkText;
+  int RemarkLevel = 0;
+};
+
+// What the enqueue operations and the timer need besides their own state.
+struct Voice {
+  SoundState& state;
+  std::array<AudioOut*, 2> audio{};  // channel 0 and the idle channel 1
+  SimLink* link = nullptr;           // for the simulator's message line
+  Events& events;
+  int32_t tick = 0;  // the current TickCount
+};
+
+void InitSound(SoundState& s);
+
+void PlayPerhaps(Voice& v, std::string_view file, int id, int gap, int expiry);
+void PlayAndPurge(Voice& v, std::string_view file, int id, int gap);
+void PlayAlways(Voice& v, std::string_view file);
+void PlayAlwaysRoot(Voice& v, std::string_view file);
+// 0 accepted, -999 ring full, -1 unknown mode.
+int PlaySound(Voice& v, std::string_view path, int mode, int validFor, int channel,
+              std::string_view by = "PlaySound", std::string_view file = {});
+
+// One step of the 125 ms sound timer of a channel.
+void SoundTimer(Voice& v, int channel);
+
+// The caption of a remark, 1 amber (early warning), 2 red (a fault).
+void ShowRemark(Voice& v, std::string_view file, int level);
+
+// The simulator's message line; true when both writes were accepted.
+bool DisplayFSMessage(Voice& v, std::string_view text, int seconds);
+bool DisplayOnlyThisTextFSMessage(Voice& v, std::string_view text, int seconds);
+
+void LoadCaptions(SoundState& s, std::string_view file);
+// The caption key of a path: file part upper case, with the aircraft folder
+// prefixes ("B737\LANDEDTOOFAST.WAV").
+std::string CaptionKey(std::string_view path);
+
+void SetInstructorVolume(Voice& v, int setting);
+// Fills the instructor list from the folders below "Sound\".
+void LoadInstructors(SoundState& s);
+bool FindAndSetInstructor(SoundState& s, std::string_view name);
+// "SoundCard.dat": the chosen output device.
+int LoadSoundCard(const SoundState& s);
+bool SaveSoundCard(const SoundState& s, int device);
+
+}  // namespace vantoro
