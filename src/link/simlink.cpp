@@ -1,5 +1,7 @@
 #include "link/simlink.h"
 
+#include <cstdio>
+
 namespace vantoro {
 
 const char* LinkResultText(int result) {
@@ -31,6 +33,24 @@ const char* SimulatorName(int code, bool p3dMode) {
   const int last = p3dMode ? 10 : 9;
   if (code < 0 || code > last) return "";
   return kNames[code];
+}
+
+bool WriteToSim(SimLink& link, Events& events, int32_t tick, uint32_t offset, const void* data,
+                uint32_t size) {
+  int result = kLinkOk;
+  if (!link.Write(offset, size, data, result)) return false;
+  const bool ok = link.Process(result);
+  char where[16];
+  std::snprintf(where, sizeof where, "0x%04X", offset);
+  std::string hex;
+  const auto* p = static_cast<const uint8_t*>(data);
+  for (uint32_t i = 0; i < size; ++i) {
+    char b[3];
+    std::snprintf(b, sizeof b, "%02X", p[i]);
+    hex += b;
+  }
+  events.Emit(tick, "write", {{"offset", std::string(where)}, {"bytes", hex}});
+  return ok;
 }
 
 }  // namespace vantoro

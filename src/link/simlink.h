@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <string>
 
+#include "base/events.h"
+
 namespace vantoro {
 
 enum LinkResult : int {
@@ -54,5 +56,12 @@ class SimLink {
   virtual uint32_t FsVersion() const = 0;
   virtual uint32_t FsId() const = 0;
 };
+
+// A write of the instructor to the simulator (radio tuning, failures, OBS...):
+// queued, processed at once, and told to the observers as a "write" event.
+// The message line has its own path and event; the traffic-table controls
+// written with the tick's reads are part of the read exchange and not told.
+bool WriteToSim(SimLink& link, Events& events, int32_t tick, uint32_t offset, const void* data,
+                uint32_t size);
 
 }  // namespace vantoro

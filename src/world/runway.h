@@ -15,9 +15,9 @@ struct Runway {
   double Longitude = 0;
   int32_t Heading = 0;  // true heading, degrees
   double GlideSlope = 3;
-  int32_t Elevation = 0;  // feet
-  int32_t Width = 0;      // feet
-  int32_t Length = 0;     // feet
+  int32_t Elevation = 0;     // feet
+  int32_t Width = 0;         // feet
+  int32_t Length = 0;        // feet
   std::string ILSFrequency;  // empty: no ILS
   std::string ILSIdent;
   std::string Surface;  // upper case, one of the spoken surface names
