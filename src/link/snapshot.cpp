@@ -4,6 +4,7 @@
 #include "link/snapshot.h"
 
 #include <cmath>
+#include <iterator>
 
 #include "base/numbers.h"
 #include "base/text.h"

