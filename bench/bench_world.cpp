@@ -36,7 +36,7 @@ void BM_LoadWorld(benchmark::State& state) {
   for (auto _ : state) {
     auto world = std::make_unique<WorldState>();
     LoadRunwayFile(*world, kWorld);
-    runways = world->RunwaySerial;
+    runways = static_cast<int32_t>(world->Runways.size());
     state.PauseTiming();
     loaded = StatusMegabytes("VmRSS");
     world.reset();

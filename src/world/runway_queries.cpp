@@ -1,5 +1,8 @@
 #include "world/runway_queries.h"
 
+#include <algorithm>
+#include <cmath>
+
 #include "base/numbers.h"
 #include "base/text.h"
 #include "world/geo.h"
@@ -12,20 +15,51 @@ std::string RunwayName(const Runway& r) {
   return r.ICAO + " " + r.Number;
 }
 
-// The walk shared by the searches: each runway that `passes` is measured and
-// kept when strictly nearer than the best so far.
+constexpr double kToRadians = 3.14159265358979 / 180;
+constexpr double kNmPerDegree = 60;
+// Cosines of great-circle angles closer than this are not told apart by the
+// quick test below; such runways are measured exactly.
+constexpr double kCosineMargin = 1e-9;
+
+// The cosine of the great-circle angle from the aircraft to a place, without
+// trigonometry: the same expression as the distance formula, with the cosine
+// of the longitude difference expanded.
+double CosineTo(const RunwayPlace& here, const RunwayPlace& there) {
+  const double cosLongitudes =
+      here.CosLongitude * there.CosLongitude + here.SinLongitude * there.SinLongitude;
+  return here.SinLatitude * there.SinLatitude +
+         here.CosLatitude * there.CosLatitude * cosLongitudes;
+}
+
+// The walk shared by the searches: of the runways that `passes`, the nearest
+// by CalcDistance, strictly nearer than the best so far (so on equal
+// distances the earlier stays), within maxMiles. A quick cosine test first
+// passes over runways that are plainly farther than the best or beyond the
+// limit, so that only a few runways are measured exactly.
 template <typename Filter>
 const Runway* Nearest(const WorldState& world, double latitude, double longitude, double maxMiles,
                       Filter passes, double* bestDistance = nullptr) {
+  const RunwayPlace here = PlaceOf(latitude, longitude);
+  const bool placesKept = world.ClosePlaces.size() == world.CloseRunways.size();
+  const double limitCosine =
+      maxMiles == kNoLimit ? -2
+                           : std::cos(std::clamp(maxMiles / kNmPerDegree, 0.0, 180.0) * kToRadians);
   const Runway* best = nullptr;
   double bestMiles = 1;  // the sentinel; the first runway found replaces it
-  for (const Runway* r : world.CloseRunways) {
+  double bestCosine = -2;
+  for (size_t i = 0; i < world.CloseRunways.size(); ++i) {
+    const Runway* r = world.CloseRunways[i];
+    const double cosine =
+        CosineTo(here, placesKept ? world.ClosePlaces[i] : PlaceOf(r->Latitude, r->Longitude));
+    if (cosine < limitCosine - kCosineMargin) continue;
+    if (best != nullptr && cosine < bestCosine - kCosineMargin) continue;
     if (!passes(*r)) continue;
     const double miles = CalcDistance(latitude, longitude, r->Latitude, r->Longitude);
     if (maxMiles != kNoLimit && miles > maxMiles) continue;
     if (best == nullptr || miles < bestMiles) {
       best = r;
       bestMiles = miles;
+      bestCosine = cosine;
     }
   }
   if (bestDistance != nullptr) *bestDistance = bestMiles;
@@ -36,13 +70,17 @@ const Runway* Nearest(const WorldState& world, double latitude, double longitude
 
 void FillCloseRunways(WorldState& world, double latitude, double longitude) {
   world.CloseRunways.clear();
+  world.ClosePlaces.clear();
   const int lat0 = CLng(latitude);
   const int lon0 = CLng(longitude);
   for (int lat = lat0 - 1; lat <= lat0 + 1; ++lat) {
     for (int step = -1; step <= 1; ++step) {
       const RunwayCell* cell = world.FindCell(lat, WrapLongLat(lon0 + step));
       if (cell == nullptr) continue;
-      for (const Runway& r : *cell) world.CloseRunways.push_back(&r);
+      for (int32_t serial : *cell) {
+        world.CloseRunways.push_back(&world.Runways[static_cast<size_t>(serial)]);
+        world.ClosePlaces.push_back(world.Places[static_cast<size_t>(serial)]);
+      }
     }
   }
 }
@@ -56,12 +94,20 @@ void FillThisAirportRunways(WorldState& world, std::string_view airport) {
 const Runway* FindClosestRunway(const WorldState& world, double latitude, double longitude,
                                 double heading, double maxMiles, bool checkBearing,
                                 std::string* reasoning) {
-  if (heading == kNoLimit) {
+  if (heading == kNoLimit)
     return Nearest(world, latitude, longitude, maxMiles, [](const Runway&) { return true; });
+  if (reasoning == nullptr) {
+    return Nearest(world, latitude, longitude, maxMiles, [&](const Runway& r) {
+      if (!IsAngleWithinHeadingRange(r.Heading, heading, kHeadingTolerance)) return false;
+      if (!checkBearing) return true;
+      const double bearing = CalcAngle(latitude, longitude, r.Latitude, r.Longitude);
+      return IsAngleWithinHeadingRange(bearing, heading, kHeadingTolerance);
+    });
   }
 
+  // The same search, every runway measured, for the reasoning.
   std::string* why = reasoning;
-  if (why != nullptr) *why = "Aircraft Heading: " + NumberText(heading) + "\n";
+  *why = "Aircraft Heading: " + NumberText(heading) + "\n";
   const Runway* best = nullptr;
   double bestMiles = 1;
   for (const Runway* r : world.CloseRunways) {
@@ -77,7 +123,7 @@ const Runway* FindClosestRunway(const WorldState& world, double latitude, double
       verdict = " - Not within " + NumberText(maxMiles) + " miles";
       passes = false;
     }
-    if (why != nullptr) {
+    {
       *why += RunwayName(*r) + "  Heading: " + std::to_string(r->Heading) +
               "  Angle: " + FormatFixed(angle, 1) + "  Distance: " + FormatFixed(miles, 2) +
               verdict + "\n";
@@ -87,8 +133,7 @@ const Runway* FindClosestRunway(const WorldState& world, double latitude, double
       bestMiles = miles;
     }
   }
-  if (why != nullptr)
-    *why += best != nullptr ? "Closest Runway: " + RunwayName(*best) : "No closest runway";
+  *why += best != nullptr ? "Closest Runway: " + RunwayName(*best) : "No closest runway";
   return best;
 }
 

@@ -5,7 +5,12 @@
 #include <array>
 #include <cctype>
 #include <charconv>
+#include <cmath>
 #include <cstdlib>
+#include <fstream>
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
 
 #include "base/failure.h"
 #include "base/files.h"
@@ -51,21 +56,44 @@ void SplitFields(std::string_view line, std::vector<std::string_view>& fields) {
   }
 }
 
-// Splits a text into lines at "\r\n" (a lone "\n" ends a line too, so that a
-// file saved by another editor reads alike).
-std::vector<std::string_view> SplitLines(std::string_view text) {
-  std::vector<std::string_view> lines;
-  size_t start = 0;
-  while (start < text.size()) {
-    size_t nl = text.find('\n', start);
-    size_t end = nl == std::string_view::npos ? text.size() : nl;
-    size_t cut = end;
-    if (cut > start && text[cut - 1] == '\r') --cut;
-    lines.push_back(text.substr(start, cut - start));
-    if (nl == std::string_view::npos) break;
-    start = nl + 1;
-  }
-  return lines;
+// Lines of a text: "\r\n" ends a line, and so does a lone "\n", so that a
+// file saved by another editor reads alike. A last line without an end
+// counts too.
+size_t LineCount(std::string_view text) {
+  if (text.empty()) return 0;
+  size_t n = 0;
+  for (char c : text)
+    if (c == '\n') ++n;
+  return text.back() == '\n' ? n : n + 1;
+}
+
+// The line that starts at `start`, without its end; start moves past it.
+std::string_view NextLine(std::string_view text, size_t& start) {
+  const size_t nl = text.find('\n', start);
+  const size_t end = nl == std::string_view::npos ? text.size() : nl;
+  size_t cut = end;
+  if (cut > start && text[cut - 1] == '\r') --cut;
+  std::string_view line = text.substr(start, cut - start);
+  start = nl == std::string_view::npos ? text.size() : nl + 1;
+  return line;
+}
+
+// Hands memory that the program has freed back to the system where the C
+// library keeps it otherwise (freed blocks in the middle of the heap).
+void ReleaseFreedMemory() {
+#if defined(__GLIBC__)
+  malloc_trim(0);
+#endif
+}
+
+void EmptyRunwayStores(WorldState& world) {
+  world.Runways = {};
+  world.Places = {};
+  world.RunwayCells.clear();
+  world.CloseRunways.clear();
+  world.ClosePlaces.clear();
+  world.AirportRunways.clear();
+  world.RunwayFile.clear();
 }
 
 std::string_view TrimView(std::string_view s) {
@@ -172,6 +200,22 @@ Runway RunwayFromFields(const std::vector<std::string_view>& f) {
   return r;
 }
 
+// Bytes the text of a file will take: a compressed file tells it in its last
+// four bytes (modulo 4 GiB, so a value out of proportion is not trusted).
+size_t ExpectedTextSize(const std::string& nativePath) {
+  std::ifstream in(nativePath, std::ios::binary | std::ios::ate);
+  if (!in) return 0;
+  const auto size = static_cast<size_t>(in.tellg());
+  unsigned char magic[2] = {0, 0}, tail[4] = {0, 0, 0, 0};
+  in.seekg(0);
+  in.read(reinterpret_cast<char*>(magic), 2);
+  if (size < 18 || magic[0] != 0x1f || magic[1] != 0x8b) return size;
+  in.seekg(static_cast<std::streamoff>(size - 4));
+  in.read(reinterpret_cast<char*>(tail), 4);
+  const size_t inflated = tail[0] | (tail[1] << 8) | (tail[2] << 16) | (size_t{tail[3]} << 24);
+  return inflated <= size * 64 ? inflated : size;
+}
+
 // The existing file of a path, plain or as its ".gz".
 std::string ExistingPlainOrGz(const std::string& path) {
   if (FileExists(path)) return path;
@@ -180,6 +224,12 @@ std::string ExistingPlainOrGz(const std::string& path) {
 }
 
 }  // namespace
+
+RunwayPlace PlaceOf(double latitude, double longitude) {
+  constexpr double kToRadians = 3.14159265358979 / 180;
+  const double a = latitude * kToRadians, b = longitude * kToRadians;
+  return RunwayPlace{std::sin(a), std::cos(a), std::sin(b), std::cos(b)};
+}
 
 const RunwayCell* WorldState::FindCell(int latitude, int longitude) const {
   auto row = RunwayCells.find(latitude);
@@ -262,6 +312,8 @@ WorldText ReadWorldFile(std::string_view path) {
   WorldText out;
   auto found = FindNoCase(path);
   if (!found) return out;
+  // Room for the whole text at once, so that it is never copied while it grows.
+  out.Text.reserve(ExpectedTextSize(*found));
   // gzopen reads a plain file as it stands and a compressed one inflated.
   gzFile gz = gzopen(found->c_str(), "rb");
   if (gz == nullptr) {
@@ -328,11 +380,7 @@ std::string LoadRunways(WorldState& world, std::string_view root, std::string_vi
   RunwayFileChoice choice = GetRunwayFile(root, simFolder, simName);
   if (choice.Path.empty()) {
     // Without a file every query answers nothing.
-    world.RunwayCells.clear();
-    world.CloseRunways.clear();
-    world.AirportRunways.clear();
-    world.RunwaySerial = 0;
-    world.RunwayFile.clear();
+    EmptyRunwayStores(world);
     return choice.Message;
   }
   return LoadRunwayFile(world, choice.Path, observer);
@@ -348,14 +396,16 @@ std::string LoadRunwayFile(WorldState& world, std::string_view file,
     message = LoadFailure(read.Error, "LoadRunways", file, world.LoadStatus, status.line());
   status.Step("File read");
 
-  std::vector<std::string_view> lines = SplitLines(read.Text);
-  status.SetLines(static_cast<int32_t>(lines.size()));
+  const std::string_view text = read.Text;
+  const size_t count = LineCount(text);
+  status.SetLines(static_cast<int32_t>(count));
   status.Step("File Split");
-  world.RunwayCells.clear();
-  world.CloseRunways.clear();
-  world.AirportRunways.clear();
-  world.RunwaySerial = 0;
+  EmptyRunwayStores(world);
   world.RunwayFile = std::string(file);
+  // Every line may hold a runway: with room for all of them made at once the
+  // store never moves, and the working sets can point into it.
+  world.Runways.reserve(count);
+  world.Places.reserve(count);
 
   status.Step("Processing Data");
   std::vector<std::string_view> fields;
@@ -364,11 +414,13 @@ std::string LoadRunwayFile(WorldState& world, std::string_view file,
   // neighbouring lines nearly always share a cell.
   RunwayCell* cell = nullptr;
   int cellLatitude = 0, cellLongitude = 0;
-  for (size_t i = 0; i < lines.size(); ++i) {
+  size_t start = 0;
+  for (size_t i = 0; i < count; ++i) {
+    const std::string_view lineText = NextLine(text, start);
     const int32_t line = static_cast<int32_t>(i);
     status.Line("Processing runway line ", line);
     if (line % kProgressEveryLines == 0) status.Yield();
-    SplitFields(lines[i], fields);
+    SplitFields(lineText, fields);
     if (fields.size() < kRunwayFields || !ValidRunwayLine(fields)) continue;
 
     status.Line("Extracting runway line ", line);
@@ -384,12 +436,14 @@ std::string LoadRunwayFile(WorldState& world, std::string_view file,
       cellLatitude = latitude;
       cellLongitude = longitude;
     }
-    cell->push_back(std::move(runway));
-    ++world.RunwaySerial;
+    cell->push_back(static_cast<int32_t>(world.Runways.size()));
+    world.Places.push_back(PlaceOf(runway.Latitude, runway.Longitude));
+    world.Runways.push_back(std::move(runway));
   }
-  // The cells grow by doubling; what is spare goes back before the flight.
-  for (auto& [lat, row] : world.RunwayCells)
-    for (auto& [lon, runways] : row) runways.shrink_to_fit();
+  // The text is no longer needed; the memory it took goes back to the
+  // system, so that only the runways stay resident for the flight.
+  read = WorldText{};
+  ReleaseFreedMemory();
   status.Step("Finished");
   return message;
 }
@@ -399,7 +453,9 @@ std::string LoadAirportRunways(WorldState& world, std::string_view file, std::st
   const std::string code = Upper(airport);
   WorldText read = ReadWorldFile(file);
   std::vector<std::string_view> fields;
-  for (std::string_view line : SplitLines(read.Text)) {
+  const std::string_view text = read.Text;
+  for (size_t start = 0, i = 0, count = LineCount(text); i < count; ++i) {
+    const std::string_view line = NextLine(text, start);
     if (line.size() <= 20) continue;
     SplitFields(line, fields);
     if (fields.size() < 6) continue;

@@ -45,24 +45,33 @@ inline constexpr int kMaxThresholdOffset = 32000;
 inline constexpr int kProgressEveryLines = 1024;
 inline constexpr int kProgressBarTwips = 3000;  // full width of the bar at 100 percent
 
-// Runway ends of one one-degree cell, in file order (the running serial
-// number is the order of insertion).
-using RunwayCell = std::vector<Runway>;
-// Cells by rounded longitude, within one rounded latitude.
+// Where a runway end lies, in the form the distance formula wants it; worked
+// out once at load so that a query needs no trigonometry for most runways.
+struct RunwayPlace {
+  double SinLatitude = 0, CosLatitude = 1;
+  double SinLongitude = 0, CosLongitude = 1;
+};
+RunwayPlace PlaceOf(double latitude, double longitude);
+
+// Serial numbers of the runway ends of one one-degree cell, in file order.
+using RunwayCell = std::vector<int32_t>;
+// Cells by rounded longitude (-180..179), within one rounded latitude.
 using RunwayCellRow = std::unordered_map<int, RunwayCell>;
 // Rows by rounded latitude (-90..90).
 using RunwayCellMap = std::unordered_map<int, RunwayCellRow>;
 
 // The world as the instructor knows it. Loaded once per connection when
 // empty, then kept until the program ends. The working sets point into
-// RunwayCells, so the state is moved, never copied.
+// Runways, so the state is moved, never copied.
 struct WorldState {
-  RunwayCellMap RunwayCells;
+  std::vector<Runway> Runways;                // every runway end of the file, by serial number
+  std::vector<RunwayPlace> Places;            // the same, by serial number
+  RunwayCellMap RunwayCells;                  // the geographic index into Runways
   std::vector<const Runway*> CloseRunways;    // the working set round the aircraft
+  std::vector<RunwayPlace> ClosePlaces;       // kept beside CloseRunways by FillCloseRunways
   std::vector<const Runway*> AirportRunways;  // the runways of one chosen airport
   std::vector<RunwayRecord> SelectedAirport;  // the detailed look-up of one airport
   std::vector<VORStation> VORStations;        // in file order
-  int32_t RunwaySerial = 0;                   // runways added by the last load
   std::string RunwayFile;                     // the file the runways came from
   std::string LoadStatus;                     // the last status text of the load
 
@@ -72,7 +81,7 @@ struct WorldState {
   WorldState(WorldState&&) = default;
   WorldState& operator=(WorldState&&) = default;
 
-  bool RunwaysLoaded() const { return RunwaySerial > 0; }
+  bool RunwaysLoaded() const { return !Runways.empty(); }
   // The cell of a rounded latitude and longitude, or nullptr.
   const RunwayCell* FindCell(int latitude, int longitude) const;
 };
