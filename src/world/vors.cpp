@@ -53,4 +53,13 @@ const VORStation* FindVOR(const WorldState& world, double latitude, double longi
   return nullptr;
 }
 
+std::string LoadRunwaysAndVORs(WorldState& world, std::string_view root, std::string_view simFolder,
+                               std::string_view simName, const RunwayLoadObserver& observer) {
+  std::string message = LoadRunways(world, root, simFolder, simName, observer);
+  const std::string vors = ResolveWorldFile(std::string(root) + "\\" + std::string(kVorFile), root);
+  std::string vorMessage = ReadVorData(world, vors);
+  if (!message.empty() && !vorMessage.empty()) message += "\n";
+  return message + vorMessage;
+}
+
 }  // namespace vantoro

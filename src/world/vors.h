@@ -24,4 +24,11 @@ std::string ReadVorData(WorldState& world, std::string_view file);
 const VORStation* FindVOR(const WorldState& world, double latitude, double longitude,
                           double tolerance);
 
+// What the load window does at connection when no runways are loaded yet:
+// LoadRunways, then ReadVorData of root + "\VNTRvors.txt" (or the delivered
+// one). Result: the messages of both for the pilot, one per line; empty when
+// all went well.
+std::string LoadRunwaysAndVORs(WorldState& world, std::string_view root, std::string_view simFolder,
+                               std::string_view simName, const RunwayLoadObserver& observer = {});
+
 }  // namespace vantoro

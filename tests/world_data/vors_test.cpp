@@ -48,14 +48,5 @@ TEST(Vors, ReadAndFindInFileOrder) {
   }
 }
 
-TEST(Vors, MissingFileLeavesNoStations) {
-  ScratchFolder dir;
-  WorldState world;
-  world.VORStations.push_back(VORStation{});
-  EXPECT_EQ(ReadVorData(world, dir.File("none.txt")), "");
-  EXPECT_TRUE(world.VORStations.empty());
-  EXPECT_EQ(FindVOR(world, 0, 0, 180), nullptr);
-}
-
 }  // namespace
 }  // namespace vantoro
