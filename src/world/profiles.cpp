@@ -1,5 +1,6 @@
 #include "world/profiles.h"
 
+#include <algorithm>
 #include <cmath>
 #include <optional>
 
@@ -14,9 +15,15 @@ namespace {
 
 constexpr char kNoTitle[] = "N/A";
 
+// The whole part of a number as a hand calculation gives it: 200 x 1.15 is
+// 230, though in binary fractions the product falls just short of it.
+double WholePart(double x) {
+  return std::floor(x + 1e-9 * std::max(1.0, std::fabs(x)));
+}
+
 // Whole part of a number as page text, clamped so that no file can overflow it.
 std::string WholeText(double x) {
-  double f = std::floor(x);
+  double f = WholePart(x);
   if (f > 2147483647.0) f = 2147483647.0;
   if (f < -2147483648.0) f = -2147483648.0;
   return std::to_string(static_cast<long long>(f));
@@ -88,7 +95,7 @@ void ReadProfileEntries(bool cfg, const std::vector<INIEntry>& entries, std::str
       const size_t page = static_cast<size_t>(i - 1);
       if (PageNumber(raw.FlapSpeed[page]) <= 0) continue;
       const double pos = PageNumber(raw.FlapPos[page]);
-      const double speed = top - std::floor((pos - first) / kCfgFlapSpreadDegrees * (top - stall));
+      const double speed = top - WholePart((pos - first) / kCfgFlapSpreadDegrees * (top - stall));
       raw.FlapSpeed[page] = speed < stall ? raw.IASStallCruise : WholeText(speed);
     }
   }
@@ -112,7 +119,7 @@ void ReadProfileEntries(bool cfg, const std::vector<INIEntry>& entries, std::str
       raw.MaxGearExtension = get("reference speeds", "MaxGearExtension");
     if (cfg) {
       if (const auto damaging = number("flaps.0", "damaging-speed")) {
-        double gear = std::floor(std::floor(*damaging) * kCfgGearSpeedFactor);
+        double gear = WholePart(WholePart(*damaging) * kCfgGearSpeedFactor);
         if (gear > kCfgGearSpeedCap) gear = kCfgGearSpeedCap;
         raw.MaxGearExtension = WholeText(gear);
       }
