@@ -129,13 +129,12 @@ std::optional<double> INIValueNumber(std::string_view value) {
 }
 
 std::string QuoteINIValue(std::string_view value) {
-  if (value.find('"') != std::string_view::npos) return std::string(value);
-  const bool blankAtEnd = !value.empty() && (value.front() == ' ' || value.front() == '\t' ||
-                                             value.back() == ' ' || value.back() == '\t');
-  if (blankAtEnd || value.find_first_of(";,") != std::string_view::npos ||
-      value.find("//") != std::string_view::npos)
-    return "\"" + std::string(value) + "\"";
-  return std::string(value);
+  std::string v;
+  for (char c : value)
+    if (c != '"') v += c;
+  if (v.find_first_of(";,") != std::string::npos || v.find("//") != std::string::npos)
+    return "\"" + v + "\"";
+  return v;
 }
 
 namespace {

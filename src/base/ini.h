@@ -50,9 +50,9 @@ bool WriteINIFile(std::string_view file, std::string_view text);
 std::optional<double> INIValueNumber(std::string_view value);
 
 // A text value as it must be written so that the parser gives it back whole:
-// in double quotes when it holds a ";", a "," or a "//", or begins or ends
-// with a blank. A value that holds a double quote cannot be protected and is
-// written as it stands.
+// in double quotes when it holds a ";", a "," or a "//". A double quote
+// itself can never come back, since the parser drops every one, so it is left
+// out; blanks at either end are trimmed by the parser whatever is written.
 std::string QuoteINIValue(std::string_view value);
 
 // Flat "key=value" files without sections (Aircraft.dat). The value after the

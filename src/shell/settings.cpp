@@ -128,7 +128,9 @@ void ReadSettings(const std::vector<INIEntry>& entries, Settings& s) {
 
 SettingsLoad LoadSettingsTab(std::string_view root, const Registry& registry, Settings& s) {
   const std::string path = SettingsPath(root);
-  if (!FileExists(path)) {
+  // Only a missing file means a first start: one that is there but cannot be
+  // read must not be replaced by the registry's folders.
+  if (!FindNoCase(path)) {
     GetFSRegistryValues(registry, s);
     return {true, {}, TidyFolder(root) + kSamplePilot};
   }

@@ -83,8 +83,8 @@ struct SettingsLoad {
 };
 
 // Start-up: reads the settings file into `s`. Without one, the folders come
-// from the registry and the sample pilot is the one to load. A file that
-// cannot be read changes nothing.
+// from the registry and the sample pilot is the one to load. A file that is
+// there but cannot be read changes nothing.
 SettingsLoad LoadSettingsTab(std::string_view root, const Registry& registry, Settings& s);
 // Writes the whole file, overwriting any comment in it. False on failure.
 bool SaveSettingsTab(std::string_view root, const Settings& s);

@@ -11,6 +11,12 @@
 #include "world/temp_folder.h"
 
 namespace vantoro {
+
+// Failures show the record as its file would hold it.
+void PrintTo(const RawProfile& r, std::ostream* os) {
+  *os << "\n" << ComposeUserProfile(r);
+}
+
 namespace {
 
 // The lines of the report that the pilot reads through vantoro-cli profile.

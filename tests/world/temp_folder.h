@@ -39,6 +39,11 @@ class TempFolder {
     return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
   }
 
+  static std::string ReadAbsolute(const std::string& file) {
+    std::ifstream in(file, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+  }
+
   bool Exists(std::string_view relative) const {
     return std::filesystem::exists(path_ / std::filesystem::path(relative));
   }
