@@ -217,6 +217,19 @@ std::string NewPilot(PilotTab& tab, SoundState& sound, EngineOptions& options) {
   return {};
 }
 
+std::string LoadSettingsAndPilot(std::string_view root, const Registry& registry,
+                                 Settings& settings, PilotTab& tab, SoundState& sound,
+                                 EngineOptions& options) {
+  const SettingsLoad loaded = LoadSettingsTab(root, registry, settings);
+  ApplySettings(settings, options);
+  std::string errors = loaded.ok ? std::string() : loaded.error + "\n";
+  if (!loaded.pilotFile.empty()) {
+    const std::string error = LoadPilotData(loaded.pilotFile, tab, sound, options);
+    if (!error.empty()) errors += error + "\n";
+  }
+  return errors;
+}
+
 namespace {
 
 uint32_t BigEndian(std::string_view b, size_t at, int bytes) {

@@ -10,7 +10,9 @@
 #include <vector>
 
 #include "base/ini.h"
+#include "base/registry.h"
 #include "engine/options.h"
+#include "shell/settings.h"
 #include "voice/sound_queue.h"
 
 namespace vantoro {
@@ -118,6 +120,14 @@ std::vector<std::string> ListPilotFiles(std::string_view root);
 // A new pilot: the page takes the defaults and the first instructor. Without
 // instructors nothing changes and the error text is returned.
 std::string NewPilot(PilotTab& tab, SoundState& sound, EngineOptions& options);
+
+// Start-up: the settings file (or the registry and the sample pilot on a
+// first start), then the pilot it names, into the pages and what the tick
+// reads. Returns "" or what went wrong, one line each; what could be read is
+// taken all the same.
+std::string LoadSettingsAndPilot(std::string_view root, const Registry& registry,
+                                 Settings& settings, PilotTab& tab, SoundState& sound,
+                                 EngineOptions& options);
 
 struct ImageSize {
   int32_t width = 0;

@@ -178,6 +178,26 @@ TEST(PilotPage, UnsavedChangesAreKnownUntilSaved) {
   EXPECT_EQ(ListPilotFiles(dir.Root()), std::vector<std::string>{"Ann.PLT"});
 }
 
+TEST(StartUp, SettingsThenThePilotTheyName) {
+  TempFolder dir;
+  SoundState sound = Voices({"Anna", "Kate"});
+  EngineOptions options;
+  Settings settings;
+  PilotTab tab;
+  // First start: no settings, and the sample pilot is not installed either.
+  EXPECT_NE(LoadSettingsAndPilot(dir.Root(), NoRegistry(), settings, tab, sound, options)
+                .find("LightSpeed.plt"),
+            std::string::npos);
+  EXPECT_TRUE(tab.CurrentPilotFile.empty());
+
+  const std::string pilot = dir.Write("PilotRoster/Ann.plt", "[pilot]\nname=Ann\n");
+  dir.Write("settings.ini", "[Pilot]\nPilotFile=" + pilot + "\n[Misc]\nTransitionAltitude=3000\n");
+  EXPECT_EQ(LoadSettingsAndPilot(dir.Root(), NoRegistry(), settings, tab, sound, options), "");
+  EXPECT_EQ(options.TransitionAltitude, 3000);
+  EXPECT_EQ(options.PilotName, "Ann");
+  EXPECT_EQ(tab.CurrentPilotFile, pilot);
+}
+
 TEST(PilotPage, NoNewPilotWithoutInstructors) {
   SoundState sound = Voices({}, "");
   EngineOptions options;
