@@ -6,46 +6,36 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
-#include <string_view>
 
 namespace vantoro {
 
+inline std::string ReadWhole(const std::filesystem::path& file) {
+  std::ifstream in(file, std::ios::binary);
+  return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
 class TempFolder {
  public:
-  TempFolder() {
-    const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
+  explicit TempFolder(const std::string& tag = "") {
+    const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
     path_ = std::filesystem::temp_directory_path() /
-            ("vantoro-" + std::string(info->test_suite_name()) + "-" + info->name());
+            ("vantoro-" + std::string(test->test_suite_name()) + "-" + test->name() + tag);
     std::filesystem::remove_all(path_);
     std::filesystem::create_directories(path_);
   }
   ~TempFolder() { std::filesystem::remove_all(path_); }
-  TempFolder(const TempFolder&) = delete;
-  TempFolder& operator=(const TempFolder&) = delete;
 
-  // The folder, ending in a separator, as the system's root folders do.
+  // The folder, ending in a separator as the system's root folders do.
   std::string Root() const { return path_.string() + "/"; }
-
-  // Writes a file below the folder ("/" separated), making its folders.
-  std::string Write(std::string_view relative, std::string_view text) const {
-    const std::filesystem::path file = path_ / std::filesystem::path(relative);
-    std::filesystem::create_directories(file.parent_path());
-    std::ofstream(file, std::ios::binary) << text;
-    return file.string();
+  // Writes a file below the folder, making its folders; its full path.
+  std::string Write(const std::string& relative, const std::string& text) const {
+    std::filesystem::create_directories((path_ / relative).parent_path());
+    std::ofstream(path_ / relative, std::ios::binary) << text;
+    return (path_ / relative).string();
   }
-
-  std::string Read(std::string_view relative) const {
-    std::ifstream in(path_ / std::filesystem::path(relative), std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-  }
-
-  static std::string ReadAbsolute(const std::string& file) {
-    std::ifstream in(file, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-  }
-
-  bool Exists(std::string_view relative) const {
-    return std::filesystem::exists(path_ / std::filesystem::path(relative));
+  std::string Read(const std::string& relative) const { return ReadWhole(path_ / relative); }
+  bool Exists(const std::string& relative) const {
+    return std::filesystem::exists(path_ / relative);
   }
 
  private:
