@@ -1,11 +1,14 @@
 #include <cstdio>
-#include <string_view>
+#include <cstring>
 
+#include "cli/profile_cmd.h"
 #include "cli/runways_cmd.h"
 
-// vantoro-cli: built next.
+// vantoro-cli: one subcommand per first argument.
 int main(int argc, char** argv) {
-  if (argc > 1 && std::string_view(argv[1]) == "runways")
+  if (argc > 1 && std::strcmp(argv[1], "profile") == 0)
+    return vantoro::ProfileCommand(argc - 1, argv + 1);
+  if (argc > 1 && std::strcmp(argv[1], "runways") == 0)
     return vantoro::RunwaysCommand(argc - 1, argv + 1);
   std::puts("vantoro-cli");
   return 0;
