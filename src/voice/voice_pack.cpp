@@ -38,10 +38,27 @@ namespace fs = std::filesystem;
 namespace {
 
 // Raised whenever the way a file is made changes, so that every pack is made again.
-constexpr std::string_view kFormatVersion = "vantoro-voicepack-1";
+constexpr std::string_view kFormatVersion = "vantoro-voicepack-2";
 constexpr std::string_view kManifest = "Sound\\.voicepack";
 constexpr int kSilenceRate = 16000;
 constexpr int kFSSilenceMs = 250;
+// The synthesiser pads each utterance with silence; a composed sentence runs
+// together only when that is cut back to a short lead and tail.
+constexpr int kQuietLevel = 300;  // of 32767
+constexpr int kLeadMs = 30;
+constexpr int kTailMs = 60;
+
+std::vector<int16_t> TrimSilence(std::vector<int16_t> samples, int sampleRate) {
+  auto loud = [](int16_t s) { return s > kQuietLevel || s < -kQuietLevel; };
+  const auto first = std::find_if(samples.begin(), samples.end(), loud);
+  if (first == samples.end()) return samples;
+  const auto last = std::find_if(samples.rbegin(), samples.rend(), loud).base();
+  const long lead = static_cast<long>(sampleRate) * kLeadMs / 1000;
+  const long tail = static_cast<long>(sampleRate) * kTailMs / 1000;
+  const long begin = std::max<long>(0, (first - samples.begin()) - lead);
+  const long end = std::min<long>(static_cast<long>(samples.size()), (last - samples.begin()) + tail);
+  return std::vector<int16_t>(samples.begin() + begin, samples.begin() + end);
+}
 
 uint64_t Fnv1a(std::string_view text, uint64_t hash = 1469598103934665603ull) {
   for (unsigned char c : text) {
@@ -107,7 +124,7 @@ class Synthesiser {
     std::vector<int16_t> samples(wave->samples, wave->samples + wave->num_samples);
     const int rate = wave->sample_rate;
     delete_wave(wave);
-    return WaveFile(samples, rate);
+    return WaveFile(TrimSilence(std::move(samples), rate), rate);
   }
 
  private:
