@@ -77,12 +77,6 @@ void PutU32(std::string& out, uint32_t v) {
   for (int i = 0; i < 4; ++i) out += static_cast<char>((v >> (8 * i)) & 0xFF);
 }
 
-uint32_t GetU32(std::string_view s, size_t at) {
-  uint32_t v = 0;
-  for (int i = 3; i >= 0; --i) v = (v << 8) | static_cast<unsigned char>(s[at + i]);
-  return v;
-}
-
 std::string WaveHeader(uint32_t dataBytes, int sampleRate) {
   std::string out;
   out.reserve(44);
@@ -332,14 +326,6 @@ std::string SilenceWave(int milliseconds, int sampleRate) {
 std::string RenderSpeech(std::string_view voice, std::string_view text) {
   Synthesiser synth;
   return synth.Speak(voice, text);
-}
-
-double WaveSeconds(std::string_view wave) {
-  if (wave.size() < 44 || wave.substr(0, 4) != "RIFF" || wave.substr(36, 4) != "data") return 0;
-  const uint32_t rate = GetU32(wave, 24);
-  const uint32_t bytesPerSecond = GetU32(wave, 28);
-  if (rate == 0 || bytesPerSecond == 0) return 0;
-  return static_cast<double>(GetU32(wave, 40)) / bytesPerSecond;
 }
 
 VoicePackReport BuildVoicePacks(const VoicePackOptions& options) {

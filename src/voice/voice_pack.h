@@ -84,8 +84,6 @@ std::string WaveFile(const std::vector<int16_t>& samples, int sampleRate);
 // The synthesised speech of text in a voice, as a wave file; empty when the
 // voice is unknown.
 std::string RenderSpeech(std::string_view voice, std::string_view text);
-// Seconds of sound in a wave file made by this module (0 when unreadable).
-double WaveSeconds(std::string_view wave);
 
 struct VoicePackOptions {
   std::string Root;  // program root folder holding text\ and Sound\ (native path)
