@@ -45,9 +45,10 @@ int VoicesCommand(int argc, char** argv) {
       std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 
   for (const std::string& problem : report.Problems) std::fprintf(stderr, "%s\n", problem.c_str());
-  std::printf("voices: %d files in %zu packs below %s/Sound: %d made, %d up to date, %.1f MB, %.1f s\n",
-              report.Files, options.Instructors.size(), options.Root.c_str(), report.Rendered,
-              report.UpToDate, static_cast<double>(report.Bytes) / 1e6, seconds);
+  std::printf(
+      "voices: %d files in %zu packs below %s/Sound: %d made, %d up to date, %.1f MB, %.1f s\n",
+      report.Files, options.Instructors.size(), options.Root.c_str(), report.Rendered,
+      report.UpToDate, static_cast<double>(report.Bytes) / 1e6, seconds);
   return report.Ok() ? 0 : 1;
 }
 

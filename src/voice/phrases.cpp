@@ -29,9 +29,9 @@ constexpr long kErrDivisionByZero = 11;
 
 // Surfaces with a recording of their own: "S" + name + ".wav".
 constexpr std::array<std::string_view, 17> kSpokenSurfaces = {
-    "ASPHALT", "BITUMINUS", "CONCRETE", "CORAL",     "DIRT",   "GRASS",
-    "GRAVEL",  "ICE",       "MACADAM",  "OILTREATED", "PLANKS", "SAND",
-    "SHALE",   "SNOW",      "STEELMATS", "TARMAC",   "WATER"};
+    "ASPHALT", "BITUMINUS", "CONCRETE",  "CORAL",      "DIRT",   "GRASS",
+    "GRAVEL",  "ICE",       "MACADAM",   "OILTREATED", "PLANKS", "SAND",
+    "SHALE",   "SNOW",      "STEELMATS", "TARMAC",     "WATER"};
 
 std::string WholeText(double x) {
   return std::to_string(static_cast<long long>(Int(x)));
@@ -376,8 +376,7 @@ int32_t OClock(int32_t degrees) {
 }
 
 int32_t OClockOfLatLongToMe(const FSData& now, double latitude, double longitude) {
-  double angle =
-      CalcAngle(now.Latitude, now.Longitude, latitude, longitude) - now.TrueHeading;
+  double angle = CalcAngle(now.Latitude, now.Longitude, latitude, longitude) - now.TrueHeading;
   if (angle < 0) angle += 360;
   return OClock(RelativeBearing(CLng(angle), now.MagVar));
 }

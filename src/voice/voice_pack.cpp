@@ -56,7 +56,8 @@ std::vector<int16_t> TrimSilence(std::vector<int16_t> samples, int sampleRate) {
   const long lead = static_cast<long>(sampleRate) * kLeadMs / 1000;
   const long tail = static_cast<long>(sampleRate) * kTailMs / 1000;
   const long begin = std::max<long>(0, (first - samples.begin()) - lead);
-  const long end = std::min<long>(static_cast<long>(samples.size()), (last - samples.begin()) + tail);
+  const long end =
+      std::min<long>(static_cast<long>(samples.size()), (last - samples.begin()) + tail);
   return std::vector<int16_t>(samples.begin() + begin, samples.begin() + end);
 }
 
@@ -158,7 +159,8 @@ bool RenderShare(const std::string& root, const std::vector<const PackItem*>& it
   std::unordered_map<uint64_t, std::string> made;
   bool ok = true;
   for (const PackItem* item : items) {
-    const uint64_t key = Fnv1a(item->Text, Fnv1a(item->Voice)) ^ static_cast<uint64_t>(item->SilenceMs + 1);
+    const uint64_t key =
+        Fnv1a(item->Text, Fnv1a(item->Voice)) ^ static_cast<uint64_t>(item->SilenceMs + 1);
     if (static_cast<int>(key % static_cast<uint64_t>(shards)) != shard) continue;
     auto it = made.find(key);
     if (it == made.end()) {
@@ -238,8 +240,10 @@ std::string PackFileOfKey(std::string_view key) {
 int SilenceMilliseconds(std::string_view key) {
   const std::string k = Upper(key);
   if (k == "FSSILENCE.WAV") return kFSSilenceMs;
-  if (StartsWith(k, "PAUSE") && EndsWith(k, "MS.WAV")) {
-    const std::string digits = k.substr(5, k.size() - 5 - 6);
+  // "PAUSE" + milliseconds + "MS" + ".WAV"
+  const std::string stem = RemoveFileExtension(k);
+  if (StartsWith(stem, "PAUSE") && EndsWith(stem, "MS") && EndsWith(k, ".WAV")) {
+    const std::string digits = stem.substr(5, stem.size() - 5 - 2);
     if (!digits.empty() &&
         std::all_of(digits.begin(), digits.end(), [](char c) { return c >= '0' && c <= '9'; })) {
       return std::atoi(digits.c_str());

@@ -68,9 +68,9 @@ std::string SpeakableText(std::string_view words,
 struct PackItem {
   std::string Path;  // below the root, "\" separated: "Sound\Claire\b737\flapsup.wav"
   std::string Voice;
-  std::string Text;        // what the synthesiser reads; empty for silence
-  int SilenceMs = -1;      // >= 0: exact silence of this length
-  uint64_t Stamp = 0;      // fingerprint of voice, text and format
+  std::string Text;    // what the synthesiser reads; empty for silence
+  int SilenceMs = -1;  // >= 0: exact silence of this length
+  uint64_t Stamp = 0;  // fingerprint of voice, text and format
 };
 
 // Every file of every instructor's pack, sorted by path.

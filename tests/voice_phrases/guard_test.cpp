@@ -72,10 +72,20 @@ std::vector<Named> WaveNamesInSource() {
     std::ifstream in(entry.path(), std::ios::binary);
     std::stringstream code;
     code << in.rdbuf();
+    const std::string where = fs::relative(entry.path(), kSource).string();
     for (const std::string& text : Literals(code.str())) {
       // A bare ".wav" is the tail of a composed name; its parts are listed below.
       if (!EndsWith(Lower(text), ".wav") || GetFileName(text).size() <= 4) continue;
-      out.push_back({text, fs::relative(entry.path(), kSource).string()});
+      out.push_back({text, where});
+    }
+    // The common files played from "Sound\" itself.
+    const std::string all = code.str();
+    for (size_t at = all.find("PlayAlwaysRoot("); at != std::string::npos;
+         at = all.find("PlayAlwaysRoot(", at + 1)) {
+      const size_t open = all.find('"', at), close = all.find(')', at);
+      if (open == std::string::npos || open > close) continue;
+      const std::string file = all.substr(open + 1, all.find('"', open + 1) - open - 1);
+      if (EndsWith(Lower(file), ".wav")) out.push_back({"Sound\\" + file, where});
     }
   }
   return out;
@@ -89,9 +99,9 @@ std::vector<Named> ComposedNames() {
   for (char c : chars) out.push_back({std::string(1, c) + ".wav", "spelt text"});
   for (int n = 10; n <= 19; ++n) out.push_back({std::to_string(n) + ".WAV", "number words"});
   for (int n = 20; n <= 90; n += 10) out.push_back({std::to_string(n) + ".WAV", "number words"});
-  for (const char* s : {"ASPHALT", "BITUMINUS", "CONCRETE", "CORAL", "DIRT", "GRASS", "GRAVEL",
-                        "ICE", "MACADAM", "OILTREATED", "PLANKS", "SAND", "SHALE", "SNOW",
-                        "STEELMATS", "TARMAC", "WATER"}) {
+  for (const char* s :
+       {"ASPHALT", "BITUMINUS", "CONCRETE", "CORAL", "DIRT", "GRASS", "GRAVEL", "ICE", "MACADAM",
+        "OILTREATED", "PLANKS", "SAND", "SHALE", "SNOW", "STEELMATS", "TARMAC", "WATER"}) {
     out.push_back({std::string("S") + s + ".wav", "runway surfaces"});
   }
   return out;
@@ -118,9 +128,14 @@ TEST(VoiceGuard, EveryNamedRecordingHasWordsAndAFileInEachPack) {
   for (const Named& n : names) {
     // The key the caption look-up builds for the file in an instructor's folder.
     if (keys.count(CaptionKey("Sound\\Instructor\\" + n.file)) == 0) noCaption[n.file] = n.where;
+    if (StartsWith(Upper(n.file), "SOUND\\")) {
+      // Common to all instructors: below the root itself.
+      if (!FileExists(kData + "/" + n.file)) noFile[n.file] = n.where;
+      continue;
+    }
     for (const InstructorVoice& who : BuiltInInstructors()) {
       const std::string path = kData + "/Sound/" + who.Folder + "/" + n.file;
-      if (!FileExists(path)) noFile[who.Folder + "\\" + n.file] = n.where;
+      if (!FileExists(path)) noFile["Sound\\" + who.Folder + "\\" + n.file] = n.where;
     }
   }
   for (const auto& [file, where] : noCaption) {
@@ -128,7 +143,7 @@ TEST(VoiceGuard, EveryNamedRecordingHasWordsAndAFileInEachPack) {
                   << ")";
   }
   for (const auto& [file, where] : noFile) {
-    ADD_FAILURE() << "no recording Sound\\" << file << " (" << where << ")";
+    ADD_FAILURE() << "no recording " << file << " (" << where << ")";
   }
 }
 

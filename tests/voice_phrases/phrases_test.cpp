@@ -102,12 +102,9 @@ TEST_F(Phrases, RunwayDesignatorsAreTrimmedAndCutToThreeCharacters) {
     const char* name;
     Files files;
   } cases[] = {
-      {" 07L ", {"0.wav", "7.wav", "left.wav"}},
-      {"07", {"0.wav", "7.wav"}},
-      {"27r", {"2.wav", "7.wav", "right.wav"}},
-      {"36C", {"3.wav", "6.wav", "centre.wav"}},
-      {"RW09L", {"0.wav", "9.wav", "left.wav"}},
-      {"   ", {}},
+      {" 07L ", {"0.wav", "7.wav", "left.wav"}}, {"07", {"0.wav", "7.wav"}},
+      {"27r", {"2.wav", "7.wav", "right.wav"}},  {"36C", {"3.wav", "6.wav", "centre.wav"}},
+      {"RW09L", {"0.wav", "9.wav", "left.wav"}}, {"   ", {}},
   };
   for (const auto& c : cases) {
     EXPECT_EQ(Said([&](Voice& v) { SayRunwayNumbersAlways(v, c.name); }), c.files) << c.name;
@@ -122,16 +119,22 @@ TEST_F(Phrases, RunwayLengthAndSurface) {
     const char* surface;
     Files files;
   } cases[] = {
-      {5000, "UNKNOWN", {"RunwayLengthIs.wav", "5.wav", "Thousand.wav", "Feet.wav", "SurfaceIs.wav"}},
+      {5000,
+       "UNKNOWN",
+       {"RunwayLengthIs.wav", "5.wav", "Thousand.wav", "Feet.wav", "SurfaceIs.wav"}},
       {12500,
        "ASPHALT",
        {"RunwayLengthIs.wav", "12.WAV", "Thousand.wav", "5.wav", "Hundred.wav", "Feet.wav",
         "SurfaceIs.wav", "SASPHALT.wav"}},
       {800, "", {"RunwayLengthIs.wav", "8.wav", "Hundred.wav", "Feet.wav"}},
       // Names are matched exactly: a lower-case name has no recording of its own.
-      {3050, " grass ", {"RunwayLengthIs.wav", "3.wav", "Thousand.wav", "Feet.wav", "SurfaceIs.wav"}},
-      {2999, "WATER", {"RunwayLengthIs.wav", "2.wav", "Thousand.wav", "9.wav", "Hundred.wav",
-                       "Feet.wav", "SurfaceIs.wav", "SWATER.wav"}},
+      {3050,
+       " grass ",
+       {"RunwayLengthIs.wav", "3.wav", "Thousand.wav", "Feet.wav", "SurfaceIs.wav"}},
+      {2999,
+       "WATER",
+       {"RunwayLengthIs.wav", "2.wav", "Thousand.wav", "9.wav", "Hundred.wav", "Feet.wav",
+        "SurfaceIs.wav", "SWATER.wav"}},
   };
   for (const auto& c : cases) {
     EXPECT_EQ(Said([&](Voice& v) { RunwayLengthIs(v, c.feet, c.surface); }), c.files) << c.feet;
@@ -170,7 +173,9 @@ TEST_F(Phrases, CloudIsReportedForTheFirstLayerWithCover) {
       {{0, 2540, 2}, {0, 9000, 8}, {"FewClouds.wav", "20.WAV", "5.wav", "hundred.wav", "feet.wav"}},
       {{0, 0, 0}, {0, 4960, 8}, {"Overcast.wav", "5.wav", "thousand.wav", "feet.wav"}},
       {{0, 3000, 4}, {}, {"ScatteredClouds.wav", "3.wav", "thousand.wav", "feet.wav"}},
-      {{0, 12040, 6}, {}, {"BrokenCloud.wav", "1.wav", "2.wav", "0.wav", "0.wav", "0.wav", "feet.wav"}},
+      {{0, 12040, 6},
+       {},
+       {"BrokenCloud.wav", "1.wav", "2.wav", "0.wav", "0.wav", "0.wav", "feet.wav"}},
       {{0, 800, 7}, {}, {"BrokenCloud.wav", "8.wav", "hundred.wav", "feet.wav"}},
   };
   for (const auto& c : cases) {
@@ -182,8 +187,8 @@ TEST_F(Phrases, CloudIsReportedForTheFirstLayerWithCover) {
 TEST_F(Phrases, ClockPositionsRoundHalfToEven) {
   const struct {
     int32_t degrees, clock;
-  } cases[] = {{0, 12}, {359, 12}, {15, 12}, {45, 2}, {75, 2}, {90, 3},
-               {105, 4}, {180, 6}, {345, 12}, {-90, 9}, {-15, 12}, {270, 9}};
+  } cases[] = {{0, 12},  {359, 12}, {15, 12},  {45, 2},  {75, 2},   {90, 3},
+               {105, 4}, {180, 6},  {345, 12}, {-90, 9}, {-15, 12}, {270, 9}};
   for (const auto& c : cases) EXPECT_EQ(OClock(c.degrees), c.clock) << c.degrees;
 }
 
@@ -218,11 +223,11 @@ TEST_F(Phrases, TheApproachIsAnnouncedOnceWithinAQuarterOfAnHour) {
   now.Longitude = -122 + 29.0 / 60 / std::cos(47 * 3.14159265358979 / 180);     // ~29 nm east
   const double approachSpeed = 119;  // 120 knots: a quarter of an hour is 30 nm
 
-  const Files length = {"RunwayLengthIs.wav", "11.WAV", "Thousand.wav", "9.wav", "Hundred.wav",
-                        "Feet.wav", "SurfaceIs.wav", "SCONCRETE.wav"};
+  const Files length = {"RunwayLengthIs.wav", "11.WAV",   "Thousand.wav",  "9.wav",
+                        "Hundred.wav",        "Feet.wav", "SurfaceIs.wav", "SCONCRETE.wav"};
   Files spoken = length;
-  for (const char* f : {"ATISFrequencyIs.wav", "1.wav", "1.wav", "8.wav", "Decimal.wav", "3.wav",
-                        "0.wav"})
+  for (const char* f :
+       {"ATISFrequencyIs.wav", "1.wav", "1.wav", "8.wav", "Decimal.wav", "3.wav", "0.wav"})
     spoken.push_back(f);
   EXPECT_EQ(Said([&](Voice& v) { SpeakRunwayAndATIS(v, now, before, rwy, approachSpeed, false); }),
             spoken);
@@ -233,8 +238,8 @@ TEST_F(Phrases, TheApproachIsAnnouncedOnceWithinAQuarterOfAnHour) {
 
   // With automatic tuning the frequency goes to COM2 standby twice, then COM2 is swapped.
   Files tuned = length;
-  for (const char* f : {"TuningCOM2ToATIS.wav", "1.wav", "1.wav", "8.wav", "Decimal.wav", "3.wav",
-                        "0.wav"})
+  for (const char* f :
+       {"TuningCOM2ToATIS.wav", "1.wav", "1.wav", "8.wav", "Decimal.wav", "3.wav", "0.wav"})
     tuned.push_back(f);
   EXPECT_EQ(Said([&](Voice& v) { SpeakRunwayAndATIS(v, now, before, rwy, approachSpeed, true); }),
             tuned);
@@ -262,10 +267,10 @@ TEST_F(Phrases, NearestAirportAndRunwayByClock) {
   FSData now;
   now.Latitude = 50;
   now.TrueHeading = 270;
-  const Files length = {"RunwayLengthIs.wav", "3.wav", "Thousand.wav", "Feet.wav",
-                        "SurfaceIs.wav", "SGRASS.wav"};
-  Files nearest = {"E.wav", "G.wav", "K.wav", "A.wav", "Bearing.wav", "9.wav", "0.wav",
-                   "Degrees.wav", "1.wav", "2.wav", "Miles.wav"};
+  const Files length = {"RunwayLengthIs.wav", "3.wav",         "Thousand.wav",
+                        "Feet.wav",           "SurfaceIs.wav", "SGRASS.wav"};
+  Files nearest = {"E.wav", "G.wav",       "K.wav", "A.wav", "Bearing.wav", "9.wav",
+                   "0.wav", "Degrees.wav", "1.wav", "2.wav", "Miles.wav"};
   nearest.insert(nearest.end(), length.begin(), length.end());
   EXPECT_EQ(Said([&](Voice& v) { SayNearestAirport(v, &rwy, now); }), nearest);
   EXPECT_EQ(Said([&](Voice& v) { SayNearestAirport(v, nullptr, now); }), Files{"negative.wav"});
@@ -273,10 +278,11 @@ TEST_F(Phrases, NearestAirportAndRunwayByClock) {
   std::string last;
   EXPECT_EQ(Said([&](Voice& v) { SayNearestAirportAutomatically(v, &rwy, now, last); }), nearest);
   EXPECT_TRUE(Said([&](Voice& v) { SayNearestAirportAutomatically(v, &rwy, now, last); }).empty());
-  EXPECT_TRUE(Said([&](Voice& v) { SayNearestAirportAutomatically(v, nullptr, now, last); }).empty());
+  EXPECT_TRUE(
+      Said([&](Voice& v) { SayNearestAirportAutomatically(v, nullptr, now, last); }).empty());
 
-  Files atClock = {"E.wav", "G.wav", "K.wav", "A.wav", "1.wav", "2.wav", "Miles.wav",
-                   "ElevationIs.wav", "7.wav", "Feet.wav"};
+  Files atClock = {"E.wav", "G.wav",     "K.wav",           "A.wav", "1.wav",
+                   "2.wav", "Miles.wav", "ElevationIs.wav", "7.wav", "Feet.wav"};
   atClock.insert(atClock.end(), length.begin(), length.end());
   EXPECT_EQ(Said([&](Voice& v) { SpeakRunwayAtOClock(v, &rwy, now); }), atClock);
   EXPECT_EQ(Said([&](Voice& v) { SpeakRunwayAtOClock(v, nullptr, now); }), Files{"negative.wav"});
@@ -286,18 +292,19 @@ TEST_F(Phrases, DescentRateToTheDestination) {
   FSData now;
   now.Latitude = 50;
   now.Altitude = 6150;
-  now.GS = 120;  // two miles a minute
+  now.GS = 120;                       // two miles a minute
   const double lat = 50 + 20.0 / 60;  // 20 nm: ten minutes
-  EXPECT_EQ(Said([&](Voice& v) { SayDescentRateToDesintation(v, "EGHH", 100, lat, 0, now); }),
-            (Files{"E.wav", "G.wav", "H.wav", "H.wav", "6.wav", "Hundred.wav",
-                   "FeetPerMinute.wav"}));
+  EXPECT_EQ(
+      Said([&](Voice& v) { SayDescentRateToDesintation(v, "EGHH", 100, lat, 0, now); }),
+      (Files{"E.wav", "G.wav", "H.wav", "H.wav", "6.wav", "Hundred.wav", "FeetPerMinute.wav"}));
   now.Altitude = 905;  // 805 ft in ten minutes: 80 fpm
   EXPECT_EQ(Said([&](Voice& v) { SayDescentRateToDesintation(v, "EGHH", 100, lat, 0, now); }),
             (Files{"E.wav", "G.wav", "H.wav", "H.wav", "8.wav", "0.wav", "FeetPerMinute.wav"}));
   now.Altitude = 100;  // not above the destination
   EXPECT_TRUE(
       Said([&](Voice& v) { SayDescentRateToDesintation(v, "EGHH", 100, lat, 0, now); }).empty());
-  EXPECT_TRUE(Said([&](Voice& v) { SayDescentRateToDesintation(v, "", 100, lat, 0, now); }).empty());
+  EXPECT_TRUE(
+      Said([&](Voice& v) { SayDescentRateToDesintation(v, "", 100, lat, 0, now); }).empty());
 
   now.Altitude = 6100;
   now.GS = 0;
@@ -367,7 +374,7 @@ TEST_F(Phrases, NextFlapLimitFollowsTheFlapPosition) {
   }
   const struct {
     int32_t flaps, knots;
-  } cases[] = {{0, 110}, {255, 110}, {256, 85}, {2570, 85}, {5375, 85},
+  } cases[] = {{0, 110},   {255, 110}, {256, 85}, {2570, 85}, {5375, 85},
                {5376, 80}, {7935, 80}, {7936, 0}, {16383, 0}};
   for (const auto& c : cases) EXPECT_EQ(MoreFlapsAt(c.flaps, a), c.knots) << c.flaps;
 }

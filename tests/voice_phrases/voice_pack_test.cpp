@@ -108,7 +108,8 @@ class PackBuild : public ::testing::Test {
   void Captions(const std::string& lines) {
     fs::create_directories(root + "/text");
     std::ofstream(root + "/text/english.txt")
-        << "[Sound Files]\n" << lines << "PAUSE125MS.WAV=\n[Sound Locations]\nONE.WAV=c172\n";
+        << "[Sound Files]\n"
+        << lines << "PAUSE125MS.WAV=\n[Sound Locations]\nONE.WAV=c172\n";
   }
   std::string root;
   VoicePackOptions options;
