@@ -3,6 +3,7 @@
 
 #include "cli/profile_cmd.h"
 #include "cli/runways_cmd.h"
+#include "cli/voices_cmd.h"
 
 // vantoro-cli: one subcommand per first argument.
 int main(int argc, char** argv) {
@@ -10,6 +11,8 @@ int main(int argc, char** argv) {
     return vantoro::ProfileCommand(argc - 1, argv + 1);
   if (argc > 1 && std::strcmp(argv[1], "runways") == 0)
     return vantoro::RunwaysCommand(argc - 1, argv + 1);
+  if (argc > 1 && std::strcmp(argv[1], "voices") == 0)
+    return vantoro::VoicesCommand(argc - 1, argv + 1);
   std::puts("vantoro-cli");
   return 0;
 }
