@@ -7,6 +7,7 @@ packages=(
   cmake g++ make pkg-config
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   zlib1g-dev
+  g++-mingw-w64-x86-64 wine wine64 xvfb xauth
 )
 
 missing=()
