@@ -70,13 +70,6 @@ TEST(LinkTexts, ServerVersionAsShownBesideTheStatus) {
     EXPECT_EQ(FsuipcVersionText(c.word, c.separator), c.text) << std::hex << c.word;
 }
 
-TEST(LinkTexts, ShiftSplitsAndBuildsWords) {
-  EXPECT_EQ(Shift(0x48000000, 28, false), 4u);
-  EXPECT_EQ(Shift(0x48000000, 24, false), 0x48u);
-  EXPECT_EQ(Shift(3, 4, true), 48u);
-  EXPECT_EQ(Shift(7, 0, true), 7u);
-}
-
 // With no simulator server running, the link of this platform refuses to open
 // with the words the status line shows, and refuses everything else as closed.
 TEST(PlatformLink, WithoutASimulatorOpenSaysSoAndTheRestIsClosed) {

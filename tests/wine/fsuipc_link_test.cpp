@@ -255,34 +255,6 @@ TEST(FsuipcLinkExchange, ReadsLandInTheirDestinationsAndWritesInTheSimulator) {
   }
 }
 
-TEST(FsuipcLinkExchange, TheTicksFourBlocksComeInOneExchange) {
-  TestServer server;
-  ASSERT_TRUE(server.Start(kServer));
-  FsuipcLink link(kPrompt);
-  int result = -1;
-  ASSERT_TRUE(link.Open(0, result)) << LinkResultText(result);
-  const struct {
-    uint32_t offset;
-    uint32_t size;
-  } blocks[] = {{0x0020, 0x4000}, {0x6000, 512}, {0xE020, 0x2000}, {0xB800, 0x1000}};
-  std::vector<std::vector<uint8_t>> buffers;
-  for (const auto& b : blocks) {
-    buffers.emplace_back(b.size);
-    ASSERT_TRUE(link.Read(b.offset, b.size, buffers.back().data(), result))
-        << LinkResultText(result);
-  }
-  ASSERT_TRUE(link.Process(result)) << LinkResultText(result);
-  for (size_t k = 0; k < std::size(blocks); ++k) {
-    std::vector<uint8_t> expected = Pattern(blocks[k].offset, blocks[k].size);
-    if (blocks[k].offset == 0x0020) {
-      // The version and id words of the handshake lie in the main block.
-      const uint32_t words[2] = {kVersion480, kFsx};
-      std::memcpy(&expected[0x3304 - 0x20], words, 8);
-    }
-    EXPECT_EQ(buffers[k], expected) << std::hex << blocks[k].offset;
-  }
-}
-
 TEST(FsuipcLinkExchange, BadRepliesAndSilenceAreReportedAndNeverCopied) {
   const struct {
     const char* name;
