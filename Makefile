@@ -4,11 +4,12 @@
 BUILD      ?= build
 ASAN_BUILD ?= build-asan
 BENCH_BUILD ?= build-bench
+WIN_BUILD  ?= build-windows
 JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
 CLI        := $(BUILD)/src/cli/vantoro-cli
 DEMO_OUT   ?= demo-output
 
-.PHONY: all setup build test test-main test-asan demo voices bench format clean
+.PHONY: all setup build test test-main test-asan test-windows demo voices bench format clean
 
 all: build
 
@@ -33,7 +34,18 @@ test-asan: setup $(ASAN_BUILD)/CMakeCache.txt
 	cmake --build $(ASAN_BUILD) -j $(JOBS)
 	cd $(ASAN_BUILD) && ASAN_OPTIONS=detect_leaks=1 ctest --output-on-failure -j $(JOBS) -L core
 
-test: test-main test-asan
+$(WIN_BUILD)/CMakeCache.txt:
+	cmake -S tests/wine -B $(WIN_BUILD) -DCMAKE_TOOLCHAIN_FILE=$(CURDIR)/cmake/mingw-w64.cmake \
+	  -DCMAKE_BUILD_TYPE=Release -DVANTORO_WERROR=ON
+
+# The Windows simulator link, cross-built with mingw-w64 and tested under wine
+# (on a virtual display, in a fresh wine prefix inside $(WIN_BUILD)) against
+# the test offset server.
+test-windows: setup $(WIN_BUILD)/CMakeCache.txt
+	cmake --build $(WIN_BUILD) -j $(JOBS)
+	bash scripts/wine-test.sh $(WIN_BUILD)
+
+test: test-main test-asan test-windows
 
 # The instructors' voice packs, rendered from data/text/english.txt into
 # data/Sound (files already up to date are skipped).
@@ -56,4 +68,4 @@ format:
 	find src tests bench tools -name '*.cpp' -o -name '*.h' | xargs clang-format -i
 
 clean:
-	rm -rf $(BUILD) $(ASAN_BUILD) $(BENCH_BUILD) $(DEMO_OUT)
+	rm -rf $(BUILD) $(ASAN_BUILD) $(BENCH_BUILD) $(WIN_BUILD) $(DEMO_OUT)

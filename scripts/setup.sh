@@ -8,6 +8,7 @@ packages=(
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   zlib1g-dev
   flite1-dev
+  g++-mingw-w64-x86-64 wine wine64 xvfb xauth
 )
 
 missing=()

@@ -35,6 +35,22 @@ const char* SimulatorName(int code, bool p3dMode) {
   return kNames[code];
 }
 
+uint32_t Shift(uint32_t value, int bits, bool left) {
+  if (bits < 0 || bits > 31) return 0;
+  return left ? value << bits : value >> bits;
+}
+
+std::string FsuipcVersionText(uint32_t fsVersion, char decimalSeparator) {
+  static const char kDigits[] = "0123456789ABCDEF";
+  std::string text;
+  for (int bits = 28; bits >= 16; bits -= 4) {
+    text += kDigits[Shift(fsVersion, bits, false) & 0xF];
+    if (bits == 28) text += decimalSeparator;
+  }
+  if ((fsVersion & 0xFFFF) != 0) text += static_cast<char>('a' + (fsVersion & 0xFF) - 1);
+  return text;
+}
+
 bool WriteToSim(SimLink& link, Events& events, int32_t tick, uint32_t offset, const void* data,
                 uint32_t size) {
   int result = kLinkOk;

@@ -37,6 +37,15 @@ const char* LinkResultText(int result);
 // code 10 ("P3D") exists only in the Prepar3D build mode.
 const char* SimulatorName(int code, bool p3dMode);
 
+// `left` multiplies `value` by 2 to the `bits`, otherwise divides by it
+// (whole numbers); splits the server's version word into its digits.
+uint32_t Shift(uint32_t value, int bits, bool left);
+
+// The server's version word as the status line shows it: the four digits of
+// the top word with the decimal separator after the first, and a build letter
+// when the low word is set (0x19980005 reads "1.998e", 0x48000000 "4.800").
+std::string FsuipcVersionText(uint32_t fsVersion, char decimalSeparator = '.');
+
 class SimLink {
  public:
   virtual ~SimLink() = default;
