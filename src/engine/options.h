@@ -10,13 +10,13 @@ struct EngineOptions {
   bool AutoDetectModeLanding = true;
   bool StartingPosition = false;        // chkStartingPosition (visible and on)
   bool ApproachStartTime = false;       // chkApproachStartTime
-  bool FloatPlane = false;              // chkFloatPlane
   bool SpokenTipsSwitches = true;       // third box of chkSpokenTips: explain switches
   bool AnnounceNearestAirport = false;  // Check2(4)
   bool LoadFSXPlanOnConnect = false;    // chkLoadFSXPlanOnConnect
   bool TeachingOn = true;               // teaching remarks wanted
   bool ShowMicState = true;             // show "VNTR Mic:" on the microphone key
   int EndFlightWhen = 0;                // 0 "or Taxiing", 1 "and Brake set", 2 "... Eng(s) off"
+  bool P3DMode = false;                 // the build for Prepar3D: version floor and simulators
 };
 
 }  // namespace vantoro
