@@ -42,8 +42,9 @@ bool DeclareCrash(Cockpit& c, std::string_view sound) {
   f.Crashed = true;
   Voice v = c.voice();
   PlayAndPurge(v,
-               c.link.Now().SurfaceType == kWaterSurface ? "LooksLikeYouveCrashedThePlaneInWater.wav"
-                                                         : sound,
+               c.link.Now().SurfaceType == kWaterSurface
+                   ? "LooksLikeYouveCrashedThePlaneInWater.wav"
+                   : sound,
                0, 0);
   f.Flight().FlightCrashed = true;
   if (!f.FlightStarted) return false;

@@ -43,7 +43,8 @@ std::string LinkVersionText(uint32_t version) {
     text += static_cast<char>(nibble < 10 ? '0' + nibble : 'A' + nibble - 10);
     if (i == 0) text += '.';
   }
-  if ((version & 0xFFFF) != 0) text += static_cast<char>('a' + static_cast<int>(version & 0xFF) - 1);
+  if ((version & 0xFFFF) != 0)
+    text += static_cast<char>('a' + static_cast<int>(version & 0xFF) - 1);
   return text;
 }
 
@@ -77,8 +78,8 @@ bool FSConnect(Cockpit& c) {
   if (!anyVersion &&
       VersionDigits(c.sim.FsVersion()) < (p3d ? kLowestVersionP3D : kLowestVersion)) {
     c.sim.Close();
-    SetStatus(c, p3d ? "Status: FSUIPC must be at least v4.80"
-                     : "Status: FSUIPC must be at least v3.22");
+    SetStatus(
+        c, p3d ? "Status: FSUIPC must be at least v4.80" : "Status: FSUIPC must be at least v3.22");
     return false;
   }
   if (!SimulatorSupported(simCode, p3d)) {
@@ -89,6 +90,9 @@ bool FSConnect(Cockpit& c) {
   }
 
   f.Connected = true;
+  // The decoder warms up afresh with every link: a flight reloaded in a
+  // restarted simulator is placed before its jumps count.
+  c.link.WarmUpTicks = 0;
   SetStatus(c, "Status: Monitoring " + f.SimulatorName + "       [Vantoro v" VANTORO_VERSION "]");
   return true;
 }

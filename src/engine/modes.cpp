@@ -13,8 +13,8 @@ namespace {
 
 // Message times where a change does not give its own.
 constexpr int kModeMessageSeconds = 3;
-constexpr int kDetectedModeSeconds = 7;   // an automatic change to Cruise or Landing
-constexpr int kStartLandingSeconds = 7;   // a flight that begins low in the air
+constexpr int kDetectedModeSeconds = 7;  // an automatic change to Cruise or Landing
+constexpr int kStartLandingSeconds = 7;  // a flight that begins low in the air
 constexpr int kVor1MessageSeconds = 7;
 constexpr int kLandingDetectedSeconds = 2;
 constexpr int kTaxiTakeOffSeconds = 6;
@@ -227,8 +227,8 @@ void AutoDetectCruise(Cockpit& c) {
   if (!f.Modes.TakeOff || f.LevelFlightTicks <= kLevelTicksNeeded || std::abs(now.VS) >= kLevelVS)
     return;
   const int32_t flightTime = GetFlightTime(f.clocks, now);
-  const bool light = !c.link.HeavyAircraft && now.AGL > kCruiseHeightLight &&
-                     flightTime > kCruiseFlightTimeLight;
+  const bool light =
+      !c.link.HeavyAircraft && now.AGL > kCruiseHeightLight && flightTime > kCruiseFlightTimeLight;
   const bool high = now.AGL > kCruiseHeightAny && flightTime > kCruiseFlightTimeAny;
   if (light || high) {
     EnterCruise(c, kDetectedModeSeconds);

@@ -74,10 +74,9 @@ void ProcessTick(Cockpit& c) {
 
   QueueTrafficControls(c);
 
-  const DecodeResult decoded =
-      ProcessFSData(link, DecodeInputs{f.TickCount, c.aircraft.WantType(AircraftType::Lear45),
-                                       c.aircraft.IsType(AircraftType::C152),
-                                       c.options.StartingPosition});
+  const DecodeResult decoded = ProcessFSData(
+      link, DecodeInputs{f.TickCount, c.aircraft.WantType(AircraftType::Lear45),
+                         c.aircraft.IsType(AircraftType::C152), c.options.StartingPosition});
   if (decoded.WarmUpReached) {
     // The aircraft is placed at its chosen starting position here (SetInitialPosition).
   }

@@ -14,15 +14,15 @@
 namespace vantoro {
 
 // Thresholds of the tick, in ticks (0.5 s), feet and knots.
-inline constexpr int32_t kReadErrorLimit = 10;       // failed reads before the link is dropped
-inline constexpr int32_t kAbnormalGraceTicks = 10;   // no abnormal test right after the start
-inline constexpr int32_t kWarmUpBeforeJumps = 6;     // decoded ticks before a jump counts
-inline constexpr int32_t kTrackEveryTicks = 4;       // the ground track spans four ticks
+inline constexpr int32_t kReadErrorLimit = 10;        // failed reads before the link is dropped
+inline constexpr int32_t kAbnormalGraceTicks = 10;    // no abnormal test right after the start
+inline constexpr int32_t kWarmUpBeforeJumps = 6;      // decoded ticks before a jump counts
+inline constexpr int32_t kTrackEveryTicks = 4;        // the ground track spans four ticks
 inline constexpr int32_t kSwitchTipsAfterTicks = 10;  // switch remarks wait for the first reads
-inline constexpr int32_t kNormalSimRate = 256;       // simulation rate x 256
+inline constexpr int32_t kNormalSimRate = 256;        // simulation rate x 256
 inline constexpr int32_t kSimRateZeroScoreTicks = 20;
 inline constexpr int32_t kAutoPilotPenaltyTicks = 40;
-inline constexpr int32_t kClockJumpSeconds = 60;      // flight time jumping more is a new time
+inline constexpr int32_t kClockJumpSeconds = 60;  // flight time jumping more is a new time
 inline constexpr int32_t kUnknownAircraftAfterSeconds = 10;
 
 // The status line's first line of an automatic disconnection.

@@ -72,8 +72,8 @@ void TouchdownTest(Cockpit& c) {
   } else if (std::abs(now.Bank) <= kFairBank && now.Pitch >= kFairPitchLowest &&
              now.Pitch <= kFairPitchHighest) {
     Voice v = c.voice();
-    const bool hard = before.VS <= kHardLandingVS ||
-                      (before.VS < kHardLandingVSLight && !c.link.HeavyAircraft);
+    const bool hard =
+        before.VS <= kHardLandingVS || (before.VS < kHardLandingVSLight && !c.link.HeavyAircraft);
     if (hard) {
       PlayAndPurge(v, "EffectHardLanding.WAV", 0, 0);
     } else if (GetFlightTime(f.clocks, now) > kTouchdownSoundAfterSeconds) {
