@@ -8,6 +8,7 @@
 #include "engine/tick_rules.h"
 #include "records/clocks.h"
 #include "records/flight_stats.h"
+#include "world/profiles.h"
 
 namespace vantoro {
 
@@ -21,8 +22,6 @@ constexpr int32_t kWaterSurface = 2;
 constexpr double kJumpDegrees = 0.5;
 constexpr int32_t kJumpAltitude = 1200;
 constexpr int32_t kJumpGS = 100;
-
-constexpr int kUnknownAircraftSeconds = 8;
 
 constexpr std::string_view kJumpLines =
     "Sudden change in altitude OR\n"
@@ -86,9 +85,10 @@ bool CrashFlagTest(Cockpit& c) {
 
 void UnknownAircraftNotice(Cockpit& c) {
   FlightState& f = c.flight;
-  if (f.UnknownAircraftShown || !ProfileIsEstimated(c.aircraft)) return;
-  if (GetFlightTime(f.clocks, c.link.Now()) <= kUnknownAircraftAfterSeconds) return;
-  ShowMessage(c, "UNKNOWN AIRCRAFT!! - Estimating profile...", kUnknownAircraftSeconds);
+  if (f.UnknownAircraftShown) return;
+  if (!WantEstimatingNotice(c.aircraft, GetFlightTime(f.clocks, c.link.Now()), f.FlightStarted))
+    return;
+  ShowMessage(c, kUnknownAircraftNotice, kUnknownAircraftNoticeSeconds);
   f.UnknownAircraftShown = true;
 }
 

@@ -6,6 +6,7 @@
 #include "base/files.h"
 #include "engine/tick_rules.h"
 #include "records/flight_stats.h"
+#include "world/profiles.h"
 
 namespace vantoro {
 
@@ -99,7 +100,7 @@ bool FSConnect(Cockpit& c) {
 
 bool ConnectToFS(Cockpit& c) {
   FlightState& f = c.flight;
-  // The aircraft's working values are set up here from its profile (SetupAircraftValues).
+  SetupAircraftValues(c.aircraft);
 
   // A new connection begins with a clean slate of flights.
   f.Flights = {};
@@ -132,6 +133,7 @@ bool ConnectToFS(Cockpit& c) {
   // made." from here on (flight log).
 
   Voice v = c.voice();
+  SetVolumeAtConnection(v);
   PlayAlways(v, "VantoroInitialization.wav");
   if (c.options.TeachingOn) PlayAlwaysRoot(v, "TeachVNTRConnecting.wav");
   return true;
@@ -153,14 +155,13 @@ void DisconnectFromFS(Cockpit& c, int reason, std::string_view cause) {
   PlayAndPurge(v, "VNTRDisconnect.wav", 0, 0);
   // The hot keys' entries in the simulator are released here (hot keys).
 
-  if (ProfileIsEstimated(c.aircraft)) {
-    c.events.Emit(f.TickCount, "notice",
-                  {{"text",
-                    "Last aircraft was flown using data estimated by Vantoro.\n"
-                    "If you wish to make changes to these values, go to the\n"
-                    "Aircraft Page and click User Specified Data. Make your changes and then\n"
-                    "click the Save User Data button."}});
+  // An estimated profile: the pilot is told how to correct its figures.
+  std::string notice;
+  for (const std::string& line : EstimatedProfileSummary(c.aircraft)) {
+    if (line.empty()) continue;
+    notice += (notice.empty() ? "" : "\n") + line;
   }
+  if (!notice.empty()) c.events.Emit(f.TickCount, "notice", {{"text", notice}});
 }
 
 void AutoDisconnect(Cockpit& c, std::string_view cause) {

@@ -6,6 +6,7 @@
 #include "engine/tick_rules.h"
 #include "records/clocks.h"
 #include "records/flight_stats.h"
+#include "world/profiles.h"
 
 namespace vantoro {
 
@@ -123,6 +124,13 @@ void SetFlightMode(Cockpit& c, FlightMode mode) {
   c.events.Emit(f.TickCount, "mode", {{"mode", FlightModeName(mode)}});
 }
 
+AircraftIdentity IdentityOf(const Cockpit& c) {
+  const FSData& now = c.link.Now();
+  const std::string& sim = c.flight.SimulatorName;
+  return AircraftIdentity{now.AirFile, now.AircraftTitle, now.AtcType,
+                          sim == "FSX" || sim == "P3D"};
+}
+
 int32_t EnginesFiring(const FSData& now) {
   return int32_t{now.Eng1Combustion} + int32_t{now.Eng2Combustion} + int32_t{now.Eng3Combustion} +
          int32_t{now.Eng4Combustion};
@@ -141,7 +149,13 @@ void BeginFlight(Cockpit& c) {
 
   f.FlightStarted = true;
   f.FlightStartTick = f.TickCount;
-  // The aircraft's profile is chosen and set up here (AircraftChanged).
+  const AircraftContext context{
+      c.sound.SoundRoot,      f.SimulatorName,        static_cast<int>(c.sim.FsId() & 0xFFFF),
+      c.options.FS2002Folder, c.options.FS2004Folder, c.options.FSXFolder,
+      IdentityOf(c),          c.link.HeavyAircraft};
+  ShowMessage(c, AircraftChanged(c.aircraft, context, c.sound.InstructorVolume),
+              kAircraftChangedNoticeSeconds);
+  c.sound.Status.DataSource = DataSourceStatus(c.aircraft);
   f.Crashed = false;
   // The crash graph starts here (SetCrashGraph).
   RestartFlightTimer(c);

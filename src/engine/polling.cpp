@@ -86,8 +86,7 @@ void ProcessTick(Cockpit& c) {
   // The simulator's flight plan is loaded here once a connection, when the
   // pilot asks for it (flight plans).
 
-  // The options of the thirteen aircraft families are set here, Set737Options
-  // to SetOtterOptions (aircraft procedures).
+  SetAircraftTypeOptions(c.aircraft, IdentityOf(c));
 
   // A disconnection ends the tick: no flight may begin or be judged after it.
   if (AbnormalSituationTests(c)) return;

@@ -23,7 +23,6 @@ inline constexpr int32_t kNormalSimRate = 256;        // simulation rate x 256
 inline constexpr int32_t kSimRateZeroScoreTicks = 20;
 inline constexpr int32_t kAutoPilotPenaltyTicks = 40;
 inline constexpr int32_t kClockJumpSeconds = 60;  // flight time jumping more is a new time
-inline constexpr int32_t kUnknownAircraftAfterSeconds = 10;
 
 // The status line's first line of an automatic disconnection.
 inline constexpr std::string_view kAutoDisconnection = "AUTO-Disconnection due to:";
@@ -39,6 +38,9 @@ FlightMode CurrentMode(const ModeFlags& modes);
 // "not set", entry into Landing stores LandingModeEntryTime, the message
 // line's mode text follows and the observers hear of it.
 void SetFlightMode(Cockpit& c, FlightMode mode);
+
+// The aircraft in the simulator as the type tests and the profiles see it.
+AircraftIdentity IdentityOf(const Cockpit& c);
 
 // The number of engines with combustion.
 int32_t EnginesFiring(const FSData& now);

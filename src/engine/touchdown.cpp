@@ -34,7 +34,7 @@ constexpr int32_t kTouchdownSoundAfterSeconds = 10;
 bool LandingIsCrash(const Cockpit& c) {
   const FSData& now = c.link.Now();
   const FSData& before = c.link.Before();
-  const bool floatPlane = c.aircraft.FloatPlane;
+  const bool floatPlane = c.aircraft.Raw.FloatPlane;
   const bool onWater = now.SurfaceType == kWaterSurface;
   if (now.Bank > kBankAtStandstill && now.GS == 0 && !floatPlane) return true;
   if (now.Bank > kBankCrash) return true;

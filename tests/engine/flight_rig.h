@@ -13,19 +13,9 @@
 
 #include "link/image_link.h"
 #include "shell/instructor.h"
+#include "voice/virtual_audio.h"
 
 namespace vantoro {
-
-class SilentAudio final : public AudioOut {
- public:
-  int DeviceCount() const override { return 1; }
-  std::string DeviceName(int) const override { return "bench"; }
-  void SetDevice(int) override {}
-  void Play(const std::string&) override {}
-  void Stop() override {}
-  bool IsPlaying() const override { return false; }
-  void SetVolume(int) override {}
-};
 
 inline constexpr double K = -99999;  // a leg leaves this value as it is
 
@@ -39,7 +29,7 @@ struct Leg {
 class FlightRig {
  public:
   FlightRig()
-      : link(image), instructor(Root(), Seams{&link, {&audio, &audio}, &events, &clock, &random}) {
+      : link(image), instructor(Root(), Seams{&link, {&audio, &idle}, &events, &clock, &random}) {
     image.SetU16(0x023E, 100);  // day of the year; the clock runs from 12:00:00
     SimRate(256);
     image.SetString(0x3D00, "Cessna Skyhawk");
@@ -128,7 +118,8 @@ class FlightRig {
   OffsetImage image;
   ImageLink link;
   EventLog events;
-  SilentAudio audio;
+  VirtualAudio audio{true};
+  VirtualAudio idle{true};
   FixedClock clock;
   SeededRandom random{1};
   Instructor instructor;

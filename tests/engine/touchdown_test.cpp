@@ -46,7 +46,7 @@ TEST(Touchdown, TheLandingIsJudgedOnTheSecondTickOnTheGround) {
     rig.Pitch(row.pitch);
     rig.Gear(!row.gearUp);
     rig.Water(row.water);
-    rig.instructor.aircraft.FloatPlane = row.floatPlane;
+    rig.instructor.aircraft.Raw.FloatPlane = row.floatPlane;
     rig.Fly({.onGround = 1, .agl = 0, .gs = row.gs, .vs = row.vs});
     rig.ElectricsFailed(row.electricsFail);  // between the first and the second tick
     rig.Tick();
