@@ -74,12 +74,11 @@ void ProcessTick(Cockpit& c) {
 
   QueueTrafficControls(c);
 
-  const DecodeResult decoded = ProcessFSData(
-      link, DecodeInputs{f.TickCount, c.aircraft.WantType(AircraftType::Lear45),
-                         c.aircraft.IsType(AircraftType::C152), c.options.StartingPosition});
-  if (decoded.WarmUpReached) {
-    // The aircraft is placed at its chosen starting position here (SetInitialPosition).
-  }
+  ProcessFSData(link,
+                DecodeInputs{f.TickCount, c.aircraft.WantType(AircraftType::Lear45),
+                             c.aircraft.IsType(AircraftType::C152), c.options.StartingPosition});
+  // On the tick the decoder has warmed up, the aircraft is placed at its chosen
+  // starting position here (SetInitialPosition).
   const FSData& now = link.Now();
   c.sound.Status.Nav1OBS = now.Nav1OBS;
 
