@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 
+#include "engine/stats_view.h"
 #include "link/fsdata.h"
 #include "records/clocks.h"
 #include "records/flight_stats.h"
@@ -28,6 +29,8 @@ struct ModeFlags {
   bool TakeOff = false;
   bool Cruise = false;
   bool Landing = false;
+
+  bool Any() const { return Taxiing || TakeOff || Cruise || Landing; }
 };
 
 struct FlightState {
@@ -38,6 +41,7 @@ struct FlightState {
   int32_t TickCount = 0;
   std::string Status;         // the status line
   std::string SimulatorName;  // "FSX", ...
+  StatsView Stats;            // what the main window shows of the link and the aircraft
 
   // The flight.
   bool FlightStarted = false;
@@ -51,7 +55,6 @@ struct FlightState {
   int32_t TouchdownArmed = 0;
   bool GoAroundEndFlight = false;
   bool PreviousGoAroundEndFlight = false;
-  bool LandingDetected = false;
   int32_t LevelFlightTicks = 0;
   int32_t DescentTicks = 0;
   int32_t LandingModeEntryTime = 0;
@@ -60,13 +63,16 @@ struct FlightState {
   int32_t FlightTimeAtLanding = 0;
   int32_t TouchdownTick = 0;
   int32_t LandingFlareState = 0;
-  int32_t LastFlightTime = 0;  // GetFlightTime of the tick before, for the clock-jump test
+  int32_t LastFlightTime = -2;  // GetFlightTime of the tick before, for the clock-jump test
   bool UnknownAircraftShown = false;
   double InitialFuelGallons = 0;
   double InitialFuelWeight = 0;
   bool CircuitsWanted = false;
   bool ExtraSpeechWanted = false;
   bool MicEnabled = false;
+  // The aircraft's resting pitch on its wheels, degrees: a touchdown with the
+  // nose further down than 8 degrees below it is a crash.
+  int32_t PitchTrim = 0;
 
   // Track every fourth tick.
   double TrackLatitude = 0;

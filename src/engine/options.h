@@ -13,7 +13,6 @@ struct EngineOptions {
   bool AutoDetectModeLanding = true;
   bool StartingPosition = false;        // chkStartingPosition (visible and on)
   bool ApproachStartTime = false;       // chkApproachStartTime
-  bool FloatPlane = false;              // chkFloatPlane
   bool SpokenTipsSwitches = true;       // third box of chkSpokenTips: explain switches
   bool AnnounceNearestAirport = false;  // Check2(4)
   bool LoadFSXPlanOnConnect = false;    // chkLoadFSXPlanOnConnect

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <array>
+#include <string_view>
 
 #include "base/events.h"
 #include "base/seams.h"
@@ -42,6 +43,8 @@ bool FSConnect(Cockpit& c);
 // The pilot presses Connect: resets the flights and starts the connection.
 bool ConnectToFS(Cockpit& c);
 // The connection ends; reason non-zero also shows the end-of-connection text.
-void DisconnectFromFS(Cockpit& c, int reason);
+// `cause` is told to the observers ("Crash", "Aircraft changed by pilot"...);
+// the Disconnect button's cause is "Disconnect".
+void DisconnectFromFS(Cockpit& c, int reason, std::string_view cause = "Disconnect");
 
 }  // namespace vantoro

@@ -25,6 +25,16 @@ bool Instructor::Connect() {
   return ConnectToFS(c);
 }
 
+void Instructor::Disconnect() {
+  if (!flight.UserConnected) return;
+  Cockpit c = cockpit();
+  DisconnectFromFS(c, -1);
+}
+
+void Instructor::PressHotKey(int slot) {
+  flight.VoiceAction = slot;
+}
+
 void Instructor::Tick() {
   Cockpit c = cockpit();
   FSPolling(c);

@@ -27,6 +27,11 @@ class Instructor {
 
   // The Connect button.
   bool Connect();
+  // The Disconnect button.
+  void Disconnect();
+  // The pilot presses hot key `slot` (1..15), or asks for it by voice: it
+  // acts in the next tick.
+  void PressHotKey(int slot);
   // One polling tick (500 ms).
   void Tick();
   // One step of the sound timer (125 ms) on both channels.

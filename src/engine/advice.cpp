@@ -1,0 +1,43 @@
+// How the rules of the tick speak and show: advice through the sound gate
+// with its remark, and text lines in the simulator's message window.
+#include "engine/tick_rules.h"
+
+namespace vantoro {
+
+namespace {
+
+// Bits of the lights switches.
+constexpr int32_t kNavigationLights = 1;
+constexpr int32_t kBeacon = 2;
+
+}  // namespace
+
+bool GiveAdvice(Cockpit& c, std::string_view file, int id, int gap, int expiry, int level) {
+  // The gate of PlayPerhaps: a family speaks again only once its gap has run.
+  const bool passes = c.sound.LastPlayed[static_cast<size_t>(id)] < c.flight.TickCount - gap;
+  Voice v = c.voice();
+  PlayPerhaps(v, file, id, gap, expiry);
+  if (!passes) return false;
+  if (level > 0) ShowRemark(v, file, level);
+  return true;
+}
+
+void ShowMessage(Cockpit& c, std::string_view text, int seconds) {
+  Voice v = c.voice();
+  DisplayFSMessage(v, text, seconds);
+}
+
+void SpokenSwitchTips(Cockpit& c) {
+  if (c.flight.TickCount <= kSwitchTipsAfterTicks) return;
+  if (c.options.SpokenTipsSwitches) {
+    const int32_t changed = c.link.Now().Lights ^ c.link.Before().Lights;
+    Voice v = c.voice();
+    if (changed & kNavigationLights) PlayPerhaps(v, "raxnl.wav", 25, 60, 16);
+    if (changed & kBeacon) PlayPerhaps(v, "raxbl.wav", 26, 60, 16);
+    // The other switches' remarks join these, one "rax" recording each (spoken tips).
+  }
+  // The nearest airport is announced here above 800 feet in the air, when the
+  // pilot asks for it (SayNearestAirportAutomatically).
+}
+
+}  // namespace vantoro

@@ -1,0 +1,179 @@
+// The connection to the simulator: opening the link with its version checks,
+// the pilot's Connect and Disconnect, automatic disconnection and the status
+// line.
+#include <string>
+
+#include "base/files.h"
+#include "engine/tick_rules.h"
+#include "records/flight_stats.h"
+#include "world/profiles.h"
+
+namespace vantoro {
+
+namespace {
+
+// The oldest interface module the instructor works with, as four version
+// digits: 4.800 for the Prepar3D build, 3.220 otherwise.
+constexpr int kLowestVersionP3D = 4800;
+constexpr int kLowestVersion = 3220;
+
+// Simulator codes of the interface module.
+constexpr int kSimFS2002 = 6;
+constexpr int kSimFSX = 8;
+constexpr int kSimP3D = 10;
+
+int VersionDigits(uint32_t version) {
+  const int d1 = static_cast<int>((version >> 28) & 0xF);
+  const int d2 = static_cast<int>((version >> 24) & 0xF);
+  const int d3 = static_cast<int>((version >> 20) & 0xF);
+  const int d4 = static_cast<int>((version >> 16) & 0xF);
+  return d1 * 1000 + d2 * 100 + d3 * 10 + d4;
+}
+
+bool SimulatorSupported(int code, bool p3dMode) {
+  if (p3dMode) return code == kSimFSX || code == kSimP3D;
+  return code >= kSimFS2002 && code <= kSimFSX;
+}
+
+}  // namespace
+
+std::string LinkVersionText(uint32_t version) {
+  std::string text;
+  for (int i = 0; i < 4; ++i) {
+    const int nibble = static_cast<int>((version >> (28 - 4 * i)) & 0xF);
+    text += static_cast<char>(nibble < 10 ? '0' + nibble : 'A' + nibble - 10);
+    if (i == 0) text += '.';
+  }
+  if ((version & 0xFFFF) != 0)
+    text += static_cast<char>('a' + static_cast<int>(version & 0xFF) - 1);
+  return text;
+}
+
+void SetStatus(Cockpit& c, std::string text) {
+  FlightState& f = c.flight;
+  if (text == f.Status) return;
+  f.Status = std::move(text);
+  c.events.Emit(f.TickCount, "status", {{"text", f.Status}});
+}
+
+bool FSConnect(Cockpit& c) {
+  FlightState& f = c.flight;
+  const bool p3d = c.options.P3DMode;
+  int result = kLinkOk;
+  if (!c.sim.Open(0, result)) {
+    if (result == kLinkNoServer) {
+      SetStatus(c, p3d ? "Status: No P3D Found" : "Status: No Flight Simulator Found");
+    } else {
+      SetStatus(c, std::string("Can't Connect - ") + LinkResultText(result));
+    }
+    return false;
+  }
+
+  const int simCode = static_cast<int>(c.sim.FsId() & 0xFFFF);
+  f.SimulatorName = SimulatorName(simCode, p3d);
+  f.Stats.Simulator = f.SimulatorName;
+  f.Stats.LinkVersion = LinkVersionText(c.sim.FsVersion());
+
+  // A file "NoVersionCheck.txt" beside the program lets any version through.
+  const bool anyVersion = FileExists(c.sound.SoundRoot + "NoVersionCheck.txt");
+  if (!anyVersion &&
+      VersionDigits(c.sim.FsVersion()) < (p3d ? kLowestVersionP3D : kLowestVersion)) {
+    c.sim.Close();
+    SetStatus(
+        c, p3d ? "Status: FSUIPC must be at least v4.80" : "Status: FSUIPC must be at least v3.22");
+    return false;
+  }
+  if (!SimulatorSupported(simCode, p3d)) {
+    c.sim.Close();
+    SetStatus(c, p3d ? "Status: This flight simulation application is not supported"
+                     : "Status: This version of Flight Simulator is not supported");
+    return false;
+  }
+
+  f.Connected = true;
+  // The decoder warms up afresh with every link: a flight reloaded in a
+  // restarted simulator is placed before its jumps count.
+  c.link.WarmUpTicks = 0;
+  SetStatus(c, "Status: Monitoring " + f.SimulatorName + "       [Vantoro v" VANTORO_VERSION "]");
+  return true;
+}
+
+bool ConnectToFS(Cockpit& c) {
+  FlightState& f = c.flight;
+  SetupAircraftValues(c.aircraft);
+
+  // A new connection begins with a clean slate of flights.
+  f.Flights = {};
+  f.CurrentFlight = 1;
+  f.CircuitsWanted = false;
+  f.UnknownAircraftShown = false;
+  f.CrashOnLanding = false;
+  f.Crashed = false;
+  // The taxi-advice latches and the approach bests (-55555) start afresh here
+  // (ground and approach monitors).
+  f.FlightStarted = false;
+  f.FlightStartTick = 0;
+  f.TickCount = 0;
+  c.link.WarmUpTicks = 0;
+  f.clocks = Clocks{};
+  f.LastFlightTime = -2;
+  f.HasTouchedDown = false;
+  f.GroundLatch = 0;
+  f.TouchdownArmed = 0;
+  f.GoAroundEndFlight = false;
+  f.PreviousGoAroundEndFlight = false;
+  f.LevelFlightTicks = 0;
+  f.DescentTicks = 0;
+  f.LandingData = {};
+  SetFlightMode(c, FlightMode::None);
+  // The six touchdown counters of the landing evaluation are cleared here.
+
+  f.UserConnected = true;
+  // The log book view reads "No flights completed since last connection was
+  // made." from here on (flight log).
+
+  Voice v = c.voice();
+  SetVolumeAtConnection(v);
+  PlayAlways(v, "VantoroInitialization.wav");
+  if (c.options.TeachingOn) PlayAlwaysRoot(v, "TeachVNTRConnecting.wav");
+  return true;
+}
+
+void DisconnectFromFS(Cockpit& c, int reason, std::string_view cause) {
+  FlightState& f = c.flight;
+  if (reason != 0) {
+    // The stored text of the last connection goes to the log book view here
+    // (flight log), and the flight plan is cleared (flight plans).
+  }
+  f.FlightStarted = false;
+  f.UserConnected = false;
+  c.events.Emit(f.TickCount, "disconnect", {{"reason", cause}});
+
+  // Family 0 with no gap: on a crash, the crash sound queued in the same tick
+  // keeps the family shut, so that the pilot hears the crash and not this.
+  Voice v = c.voice();
+  PlayAndPurge(v, "VNTRDisconnect.wav", 0, 0);
+  // The hot keys' entries in the simulator are released here (hot keys).
+
+  // An estimated profile: the pilot is told how to correct its figures.
+  std::string notice;
+  for (const std::string& line : EstimatedProfileSummary(c.aircraft)) {
+    if (line.empty()) continue;
+    notice += (notice.empty() ? "" : "\n") + line;
+  }
+  if (!notice.empty()) c.events.Emit(f.TickCount, "notice", {{"text", notice}});
+}
+
+void AutoDisconnect(Cockpit& c, std::string_view cause) {
+  DisconnectFromFS(c, 0, cause);
+  SetStatus(c, std::string(kAutoDisconnection) + "\n" + std::string(cause));
+}
+
+void LinkFailure(Cockpit& c, std::string_view words, int result) {
+  FlightState& f = c.flight;
+  f.Stats.LinkStatus = std::string(words) + LinkResultText(result);
+  f.ReadErrors += 1;
+  f.Stats.ReadErrors = f.ReadErrors;
+}
+
+}  // namespace vantoro

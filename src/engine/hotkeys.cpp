@@ -1,0 +1,45 @@
+// The pilot's hot keys in the tick: a waiting key action presses its key for
+// one tick, and the pressed keys act in their fixed order.
+#include "engine/tick_rules.h"
+
+namespace vantoro {
+
+namespace {
+
+constexpr int kMicMessageSeconds = 2;
+
+}  // namespace
+
+void ScanHotKeys(FlightState& f) {
+  // The hot keys caught inside the simulator are registered and read here (hot keys).
+  for (int slot = 1; slot <= kHotKeySlots; ++slot) {
+    if (f.VoiceAction == slot) f.HotKeys[static_cast<size_t>(slot)].Pressed = true;
+  }
+  // A key action is used up by its tick; spoken requests above the keys wait
+  // for the voice actions of the monitors.
+  if (f.VoiceAction >= 1 && f.VoiceAction <= kHotKeySlots) f.VoiceAction = 0;
+}
+
+void HotKeysAct(Cockpit& c) {
+  FlightState& f = c.flight;
+  auto pressed = [&f](int slot) { return f.HotKeys[static_cast<size_t>(slot)].Pressed; };
+
+  // Key 4 or 10 asks for circuit training here (circuit training).
+  if (pressed(14)) {
+    f.MicEnabled = !f.MicEnabled;
+    if (c.options.ShowMicState)
+      ShowMessage(c, std::string("VNTR Mic:") + (f.MicEnabled ? "ON" : "OFF"), kMicMessageSeconds);
+  }
+  if (pressed(5) || pressed(9)) f.ExtraSpeechWanted = !f.ExtraSpeechWanted;
+  if (pressed(1) || pressed(7)) AdvanceFlightMode(c);
+  if (pressed(2) || pressed(8)) BackUpFlightMode(c);
+  // Key 11 shows the pilot errors, the height, the ground altitude, the range
+  // and the check list key; key 12 moves to the next check list (check lists).
+  // Key 3 or 6 shows and spells the flight plan's departure and destination (flight plans).
+}
+
+void ClearPressedKeys(FlightState& f) {
+  for (HotKey& key : f.HotKeys) key.Pressed = false;
+}
+
+}  // namespace vantoro
