@@ -1,7 +1,7 @@
 // One decoded snapshot of the simulator. Every rule of the instructor reads
 // these fields, of the current and of the previous record, and never the raw
 // offset buffers. Field names, sources and conversions are those of the
-// decoder (fsdata.cpp); whole numbers are 32-bit here whatever their width in
+// decoder (snapshot.cpp); whole numbers are 32-bit here whatever their width in
 // the simulator, flags are bools, fixed-point values are doubles.
 #pragma once
 
@@ -10,6 +10,9 @@
 #include <string>
 
 namespace vantoro {
+
+// The first of the sixteen failure bytes; FailFlags[offset - kFailFlagsOffset].
+inline constexpr uint32_t kFailFlagsOffset = 0x0B64;
 
 struct FSData {
   int32_t ZuluHour{};    // simulator zulu hour
@@ -21,12 +24,12 @@ struct FSData {
   bool Flag341C{};       // aircraft-rule flag
   bool Flag341D{};       // aircraft-rule flag
   bool Flag341F{};   // aircraft-rule flag; with both engines firing on the twin turboprop it means
-                     // cross-feed ...
+                     // cross-feed open
   bool Flag0B58{};   // aircraft-rule flag
   bool Flag2438{};   // aircraft-rule flag
   bool PitotHeat{};  // pitot heat on
   int32_t MagVar{};  // magnetic variation, degrees: CLng(raw x 360 / 65536); a westerly value
-                     // therefore reads ...
+                     // therefore reads near 360
   int32_t TotalFuelCapacity{};  // sum of the eleven tank capacities, US gallons
   int32_t TotalFuelGallons{};   // sum of the eleven tanks' gallons
   double FuelGallonsWeight{};   // sum over the eleven tanks of tank gallons x FuelWeightPerGallon:
@@ -39,9 +42,10 @@ struct FSData {
   int32_t Eng2FuelFlow{};  // raw / 4
   int32_t GS{};            // ground speed, knots: CLng(raw x 1.9438)
   int32_t BarberPole{};    // never-exceed speed of the simulator aircraft, knots: CLng(raw / 128);
-                           // forced to 149 for...
+                           // forced to 149 for the Cessna 152 family when the aircraft folder
+                           // holds the word "Carenado"
   int32_t Pitch{};  // degrees, nose up positive: x = CLng(CLng(raw x 360 / 256) / 256); x under 180
-                    // gives -x,...
+                    // gives -x, else 360 - x (so 180 reads 180)
   int32_t Bank{};   // degrees, right wing down positive, the same rule as Pitch
   int32_t TrueHeading{};       // degrees 0..359: CLng(CLng(raw x 360 / 256) / 256)
   bool Crashed{};              // the simulator reports a crash
@@ -56,10 +60,9 @@ struct FSData {
   int32_t Nav1Localiser{};     // NAV1 localiser needle, -127..127
   int32_t Nav1Glideslope{};    // NAV1 glide-slope needle, -127..127
   bool Nav1GlideslopeAlive{};  // NAV1 glide-slope signal alive
-  double Latitude{};  // degrees: (value x 10000) / 42957189152768000 (equal to raw x 90 / (10001750
-                      // x 65536 x 6...
-  double
-      Longitude{};  // degrees: (value x 10000) / 18446744073709552000 (equal to raw x 360 / 2^64)
+  double Latitude{};         // degrees north: raw x 90 / (10001750 x 65536 x 65536), raw being the
+                             // 8-byte currency word x 10000
+  double Longitude{};        // degrees east: raw x 360 / 2^64
   double Eng2FuelFlowPPH{};  // engine 2 fuel flow, pounds per hour
   double Eng3FuelFlowPPH{};  // engine 3 fuel flow, pounds per hour
   double Eng4FuelFlowPPH{};  // engine 4 fuel flow, pounds per hour
@@ -95,7 +98,7 @@ struct FSData {
   bool SpoilerRight{};         // right spoiler out
   bool Brake{};                // toe brake in use
   bool GearDown{};             // gear handle down; forced true for the aircraft folders "CARENADO
-                               // CT182T_SKYLANE", "A2A_...
+                               // CT182T_SKYLANE", "A2A_C172" and "A2A_C182"
   bool GearLeftPosition{};     // left gear not fully up
   int32_t Nav1OBS{};           // NAV1 omni-bearing selector, degrees
   bool Paused{};               // simulator paused
@@ -106,77 +109,82 @@ struct FSData {
                             // if negative
   int32_t WindRelativeToHeading{};  // RelativeBearing(SurfaceWindDirection, Heading), -180..180
   int32_t WindRelativeToOBS{};      // RelativeBearing(SurfaceWindDirection, Nav1OBS)
-  double LoadedWeightWord{};  // aircraft weight word: above 0 sets the large-aircraft test with the
-                              // Lear family
-  double ZeroFuelWeight{};    // zero-fuel weight word, pounds
-  bool InstantReplay{};       // instant replay running
-  int32_t GroundAltitude{};   // ground elevation, feet: CLng(raw x 3.281)
-  int32_t TransponderWord{};  // altimeter setting word (QNH x 16)
-  int32_t Altitude{};         // altitude above mean sea level, feet: CLng(raw x 3.281)
-  bool InnerMarker{};         // inner marker active
-  bool MiddleMarker{};        // middle marker active
-  bool OuterMarker{};         // outer marker active
-  int32_t Units{};            // simulator units: 2 or above = metres on the altimeter
-  int32_t SimRate{};          // simulation rate x 256; 256 is normal
-  int32_t AutoBrake{};        // autobrake switch
-  int32_t IndicatedAltitude{};     // altimeter reading in feet; x 3.281 when Units is 2 or above
-  int32_t CloudHighBase{};         // upper cloud layer base, feet: CLng(raw x 3.281)
-  int32_t CloudHighCover{};        // upper cloud layer cover, oktas: Int(Round(raw / 8184))
-  int32_t CloudMidBase{};          // middle cloud layer base, feet
-  int32_t CloudMidCover{};         // middle cloud layer cover, oktas
-  int32_t CloudLowBase{};          // lowest cloud layer base, feet
-  int32_t Eng1ManifoldHigh{};      // top byte of engine 1 manifold word
-  int32_t Eng2ManifoldHigh{};      // top byte of engine 2 manifold word
-  int32_t Eng3ManifoldHigh{};      // top byte of engine 3 manifold word
-  int32_t Eng4ManifoldHigh{};      // top byte of engine 4 manifold word
-  uint8_t RadioFlags{};            // radio flags; bit 64 = glide-slope captured
-  int32_t Nav1ToFrom{};            // NAV1 to/from flag
-  std::array<bool, 16> FailFlags;  // sixteen per-instrument failure bytes in offset order; fields
-                                   // 0x0B65 FailAirspeed, 0x0B6...
-  bool Eng1FuelValve{};            // engine 1 fuel valve open
-  bool Eng2FuelValve{};            // engine 2 fuel valve open
-  double Visibility{};             // visibility, statute miles: raw / 100
-  std::string Vor1Ident;           // NAV1 station identifier
-  std::string Vor1Name;            // NAV1 station name
-  std::string AtcFlightNumber;     // flight number
-  std::string AtcIdentifier;       // tail number
-  std::string AtcAirline;          // airline
-  std::string AtcType;             // aircraft type
-  int32_t TankCentre2Pct{};        // tank level percent: raw / 83886
-  int32_t TankCentre3Pct{};        // tank level percent
-  int32_t TankExternal1Pct{};      // tank level percent
-  int32_t TankExternal2Pct{};      // tank level percent
-  double TankLeftMainPct{};        // tank level percent
-  int32_t TankLeftAuxPct{};        // tank level percent
-  int32_t TankLeftTipPct{};        // tank level percent
-  double TankRightMainPct{};       // tank level percent
-  int32_t TankRightAuxPct{};       // tank level percent
-  int32_t TankRightTipPct{};       // tank level percent
-  bool TailDragger{};              // tail wheel aircraft
-  int32_t Squawk{};                // transponder code, raw BCD
-  double Nav1Freq{};               // NAV1 frequency, MHz
-  int32_t Nav2Freq{};              // second stand-by radio frequency word, MHz x 100
-  int32_t Com2Freq{};              // radio frequency word
-  int32_t Com1Freq{};              // COM1 frequency word raw; 0x2150 = 121.50
-  int32_t Com1StandbyRaw{};        // COM2 frequency word raw
-  int32_t Nav1Standby{};           // stand-by frequency word
-  int32_t Nav2Standby{};           // stand-by frequency word
-  int32_t Lights{};                // lights bits: 1 nav, 2 beacon, 4 landing, 8 taxi, 16 strobes
-  bool RetractableGear{};          // gear retractable
-  bool CrashDetection{};           // crash detection in the simulator on
-  int32_t Eng1StarterSwitch{};     // engine 1 starter switch word
-  int32_t Eng2StarterSwitch{};     // engine 2 starter switch word
-  int32_t Eng1MixtureLever{};      // engine 1 mixture lever, raw; 16384 is full rich
-  int32_t Eng2MixtureLever{};      // engine 2 mixture lever, raw
-  int32_t Eng3MixtureLever{};      // engine 3 mixture lever, raw
-  int32_t Eng4MixtureLever{};      // engine 4 mixture lever, raw
-  bool Eng1FuelPump{};             // engine 1 fuel pump on
-  bool Eng2FuelPump{};             // engine 2 fuel pump on
-  bool Eng1Primer{};               // engine 1 primer in use
-  bool Eng2Primer{};               // engine 2 primer in use
-  bool Flag337D{};                 // aircraft-rule flag
-  bool Flag337C{};                 // aircraft-rule flag
-  bool Flag2A90{};                 // aircraft-rule flag
+  double LoadedWeightWord{};    // zero-fuel weight in 256-pound units (top word of 0x3BFC): above
+                                // 100 the aircraft is heavy, as is the Lear family
+  double ZeroFuelWeight{};      // zero-fuel weight word, pounds
+  bool InstantReplay{};         // instant replay running
+  int32_t GroundAltitude{};     // ground elevation, feet: CLng(raw x 3.281)
+  int32_t TransponderWord{};    // altimeter setting word (QNH x 16)
+  int32_t Altitude{};           // altitude above mean sea level, feet: CLng(raw x 3.281)
+  bool InnerMarker{};           // inner marker active
+  bool MiddleMarker{};          // middle marker active
+  bool OuterMarker{};           // outer marker active
+  int32_t Units{};              // simulator units: 2 or above = metres on the altimeter
+  int32_t SimRate{};            // simulation rate x 256; 256 is normal
+  int32_t AutoBrake{};          // autobrake switch
+  int32_t IndicatedAltitude{};  // altimeter reading in feet; x 3.281 when Units is 2 or above
+  int32_t CloudHighBase{};      // upper cloud layer base, feet: CLng(raw x 3.281)
+  int32_t CloudHighCover{};     // upper cloud layer cover, oktas: Int(Round(raw / 8184))
+  int32_t CloudMidBase{};       // middle cloud layer base, feet
+  int32_t CloudMidCover{};      // middle cloud layer cover, oktas
+  int32_t CloudLowBase{};       // lowest cloud layer base, feet
+  int32_t Eng1ManifoldHigh{};   // top byte of engine 1 manifold word
+  int32_t Eng2ManifoldHigh{};   // top byte of engine 2 manifold word
+  int32_t Eng3ManifoldHigh{};   // top byte of engine 3 manifold word
+  int32_t Eng4ManifoldHigh{};   // top byte of engine 4 manifold word
+  uint8_t RadioFlags{};         // radio flags; bit 64 = glide-slope captured
+  int32_t Nav1ToFrom{};         // NAV1 to/from flag
+  int32_t Nav1BackCourse{};     // NAV1 back-course flags (0x0C4A byte), watched for changes
+  std::array<bool, 16> FailFlags{};  // sixteen per-instrument failure bytes in offset order,
+                                     // index = offset - kFailFlagsOffset: 0x0B65 FailAirspeed,
+                                     // 0x0B68 FailCom1, 0x0B6A FailElectrics, 0x0B6B FailEngine
+  bool Eng1FuelValve{};              // engine 1 fuel valve open
+  bool Eng2FuelValve{};              // engine 2 fuel valve open
+  double Visibility{};               // visibility, statute miles: raw / 100
+  std::string Vor1Ident;             // NAV1 station identifier
+  std::string Vor1Name;              // NAV1 station name
+  std::string AtcFlightNumber;       // flight number
+  std::string AtcIdentifier;         // tail number
+  std::string AtcAirline;            // airline
+  std::string AtcType;               // aircraft type
+  int32_t TankCentrePct{};           // centre tank level percent: raw / 83886 (0x0B74 u24)
+  int32_t TankCentre2Pct{};          // tank level percent: raw / 83886
+  int32_t TankCentre3Pct{};          // tank level percent
+  int32_t TankExternal1Pct{};        // tank level percent
+  int32_t TankExternal2Pct{};        // tank level percent
+  double TankLeftMainPct{};          // tank level percent
+  int32_t TankLeftAuxPct{};          // tank level percent
+  int32_t TankLeftTipPct{};          // tank level percent
+  double TankRightMainPct{};         // tank level percent
+  int32_t TankRightAuxPct{};         // tank level percent
+  int32_t TankRightTipPct{};         // tank level percent
+  bool TailDragger{};                // tail wheel aircraft
+  int32_t Squawk{};                  // transponder code, the raw BCD word (0x7700 for 7700)
+  double Nav1Freq{};                 // NAV1 frequency, MHz: (BCD digits + 10000) / 100
+  int32_t Nav2Freq{};                // second stand-by radio frequency, MHz x 100: BCD digits +
+                                     // 10000 (word 0x1050 reads 11050)
+  int32_t Com2Freq{};                // radio frequency word, BCD digits (0x2150 reads 2150)
+  int32_t Com1Freq{};           // COM1 frequency, BCD digits without the leading 1: word 0x2150
+                                // (121.50) reads 2150
+  int32_t Com1StandbyRaw{};     // COM2 frequency, BCD digits
+  int32_t Nav1Standby{};        // stand-by frequency word, BCD digits
+  int32_t Nav2Standby{};        // stand-by frequency word, BCD digits
+  int32_t Lights{};             // lights bits: 1 nav, 2 beacon, 4 landing, 8 taxi, 16 strobes
+  bool RetractableGear{};       // gear retractable
+  bool CrashDetection{};        // crash detection in the simulator on
+  int32_t Eng1StarterSwitch{};  // engine 1 starter switch word
+  int32_t Eng2StarterSwitch{};  // engine 2 starter switch word
+  int32_t Eng1MixtureLever{};   // engine 1 mixture lever, raw; 16384 is full rich
+  int32_t Eng2MixtureLever{};   // engine 2 mixture lever, raw
+  int32_t Eng3MixtureLever{};   // engine 3 mixture lever, raw
+  int32_t Eng4MixtureLever{};   // engine 4 mixture lever, raw
+  bool Eng1FuelPump{};          // engine 1 fuel pump on
+  bool Eng2FuelPump{};          // engine 2 fuel pump on
+  bool Eng1Primer{};            // engine 1 primer in use
+  bool Eng2Primer{};            // engine 2 primer in use
+  bool Flag337D{};              // aircraft-rule flag
+  bool Flag337C{};              // aircraft-rule flag
+  bool Flag2A90{};              // aircraft-rule flag
   int32_t FuelSelector{};  // fuel selector: 0 none, 1 all, 2 left, 3 right, 16 as the aircraft rule
                            // says
   int32_t FuelSelector2{};       // second fuel selector word
@@ -202,7 +210,8 @@ struct FSData {
   std::string MetarText;         // METAR text block
   uint8_t GpsFlags1{};           // GPS flags
   uint8_t GpsFlags2{};           // GPS flags
-  std::string EngineType;  // "Piston", "Jet", "Sailplane", "Helo", "Rocket", "Turboprop" for 0..5
+  std::string EngineType;  // "Piston", "Jet", "Sailplane", "Helo", "Rocket", "Turboprop" for 0..5;
+                           // empty for any other value
   int32_t AutoThrottleArm{};  // autothrottle armed
   int32_t APAirspeedHold{};   // autopilot airspeed hold
   int32_t APMachHold{};       // autopilot Mach hold
@@ -212,9 +221,9 @@ struct FSData {
   int32_t APRpmHold{};        // autopilot RPM hold
   int32_t APApproachHold{};   // autopilot approach hold
   int32_t FlightDirector{};   // flight director on
-  bool MasterBattery{};       // master battery on; for folder "A2A_C172" it is the opposite of
-                              // FailElectrics
-  int32_t MasterAvionics{};   // master avionics on
+  bool MasterBattery{};      // master battery on (0x281C); for folder "A2A_C172" it is the opposite
+                             // of FailElectrics, for "A2A_C182" bit 64 of the 0x281C byte
+  int32_t MasterAvionics{};  // master avionics on
 };
 
 }  // namespace vantoro

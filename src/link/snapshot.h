@@ -2,8 +2,11 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
+#include <string_view>
 
 #include "link/fsdata.h"
 
@@ -20,15 +23,21 @@ inline constexpr uint32_t kMetarBlockOffset = 0xB800;
 inline constexpr uint32_t kMetarBlockSize = 0x1000;
 
 inline constexpr int kTrafficSlots = 95;
+// The two traffic tables: slot n lies at table + 40 x n; the word just before
+// each table holds the offset of its last slot in use.
+inline constexpr uint32_t kAirTrafficTable = 0xE080;
+inline constexpr uint32_t kGroundTrafficTable = 0xF080;
+inline constexpr uint32_t kTrafficSlotSize = 40;
 
+// One target of a traffic table; heading is relative to magnetic north.
 struct TrafficSlot {
-  int32_t Id = 0;
+  int32_t Id = 0;  // low byte of the simulator's identifier
   double Latitude = 0;
   double Longitude = 0;
-  double Altitude = 0;  // feet, ground table only
-  int32_t RelativeHeading = 0;
-  int32_t GS = 0;
-  int32_t VS = 0;  // ground table only
+  double Altitude = 0;          // feet, ground table only
+  int32_t RelativeHeading = 0;  // CLng(raw / 182) - MagVar, 360 added if negative
+  int32_t GS = 0;               // knots
+  int32_t VS = 0;               // ground table only
   std::string Ident;
   int32_t State = 0;
 };
@@ -69,14 +78,17 @@ struct LinkState {
 
   std::array<TrafficSlot, kTrafficSlots + 1> AirTraffic{};  // slots 1..95
   std::array<TrafficSlot, kTrafficSlots + 1> GroundTraffic{};
+  // Slots in use, from the word before each table, kept within 0..95; each
+  // is decoded only on the ticks its table is (air table in the air, ground
+  // table on the ground) and keeps its last value otherwise.
   int32_t AirTrafficCount = 0;
   int32_t GroundTrafficCount = 0;
   GpsData Gps;
 
-  bool HeavyAircraft = false;
-  int32_t TrafficSpeedLimit = 0;
-  double TotalWeightTons = 0;
-  int32_t AirborneSeconds = 0;  // the snapshot's airborne-second counter
+  bool HeavyAircraft = false;     // LoadedWeightWord above 100, or the Lear family
+  int32_t TrafficSpeedLimit = 0;  // knots, by LoadedWeightWord
+  double TotalWeightTons = 0;     // (ZeroFuelWeight + FuelGallonsWeight) / 2000
+  int32_t AirborneSeconds = 0;    // the snapshot's airborne-second counter (not decoded)
 
   // Swaps now and before: the one exit of a processed tick.
   void Swap() {
@@ -101,7 +113,8 @@ struct DecodeResult {
 DecodeResult ProcessFSData(LinkState& link, const DecodeInputs& in);
 
 // String of the main block from index (= simulator offset - 0x20) up to a zero
-// byte, at most 255 characters; never reads outside the buffer.
+// byte, at most 255 characters; never reads outside the buffer. The variants
+// read the GPS, traffic and weather blocks, index counted from their start.
 std::string GetByteBuffer(const LinkState& link, size_t index);
 std::string GetByteBufferGPS(const LinkState& link, size_t index);
 std::string GetByteBufferTCAS(const LinkState& link, size_t index);
@@ -109,6 +122,16 @@ std::string GetByteBufferMetar(const LinkState& link, size_t index);
 
 // The text and a closing zero, as bytes.
 std::string CopyToStringBuffer(std::string_view text);
+// The text and a closing zero into bytes; a text too long for them is cut so
+// that the zero still fits. Returns the bytes written (0 for no room at all).
+size_t CopyToStringBuffer(std::string_view text, std::span<uint8_t> bytes);
+
+// The last folder of an aircraft file path ("" separators), in capitals:
+// "A2A_C172" for "C:\Sim\SimObjects\Airplanes\A2A_C172\A2A_C172.air".
+std::string AircraftFolder(std::string_view airFile);
+
+// The traffic speed limit, in knots, of an aircraft of this weight word.
+int32_t TrafficSpeedLimitFor(double loadedWeightWord);
 
 // a minus b, normalised to -180..180.
 int32_t RelativeBearing(int32_t a, int32_t b);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <functional>
+#include <stdexcept>
 #include <string>
 
 namespace vantoro {
@@ -23,8 +24,24 @@ class AudioOut {
   // -30000 inaudible.
   virtual void SetVolume(int volume) = 0;
 
-  // Called when a file has finished (or was stopped while playing).
+  // Called when a file has finished (or was stopped while playing). The sound
+  // queue sets it to the Ready flag of the channel that plays on this device.
   std::function<void()> onFinished;
 };
+
+// A failure of the device (the player cannot start, the chosen device has
+// gone away...). The sound timer turns it into the standard failure report.
+class AudioFailure : public std::runtime_error {
+ public:
+  AudioFailure(long number, const std::string& text) : std::runtime_error(text), number_(number) {}
+  long number() const { return number_; }
+
+ private:
+  long number_;
+};
+
+// The failure a device reports when the default sound card has been changed
+// under it.
+inline constexpr long kAudioDeviceChanged = -2147467259;  // 0x80004005
 
 }  // namespace vantoro

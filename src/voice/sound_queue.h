@@ -26,6 +26,23 @@ inline constexpr int kPlayAlwaysValidFor = 120;
 inline constexpr int kRingFull = -999;
 inline constexpr int kCaptionBufferLength = 150;
 
+// Files below the program root.
+inline constexpr std::string_view kSoundFolder = "Sound\\";
+inline constexpr std::string_view kSilenceFile = "Sound\\FSSilence.wav";
+inline constexpr std::string_view kCaptionsFile = "text\\english.txt";
+inline constexpr std::string_view kSoundCardFile = "SoundCard.dat";
+inline constexpr std::string_view kCaptionSection = "[Sound Files]";
+// The text that asks the message line to show the captions alone.
+inline constexpr std::string_view kCaptionMode = "-caption-mode-";
+inline constexpr int kCaptionSeconds = 15;
+
+// The simulator's message line: the text (with its closing zero) and then
+// the seconds to show it, whose write makes the simulator display the text.
+inline constexpr uint32_t kMessageTextOffset = 0x3380;
+inline constexpr uint32_t kMessageSecondsOffset = 0x32FA;
+inline constexpr int kMessageLineLength = 119;     // longest line shown
+inline constexpr int kMessageCaptionLength = 113;  // caption text that fits beside the status
+
 struct QueuedSound {
   std::string Path;  // path below the program root, "\" separated
   std::string File;  // the file as the caller named it (for events)
@@ -88,15 +105,22 @@ struct Voice {
 
 void InitSound(SoundState& s);
 
+// "Sound\" + instructor + "\" + file: a file of the chosen instructor.
+std::string InstructorPath(const SoundState& s, std::string_view file);
+
 void PlayPerhaps(Voice& v, std::string_view file, int id, int gap, int expiry);
 void PlayAndPurge(Voice& v, std::string_view file, int id, int gap);
 void PlayAlways(Voice& v, std::string_view file);
 void PlayAlwaysRoot(Voice& v, std::string_view file);
+// A path below the program root ("Locations\Harbour.wav"); `by` and `file`
+// name the request in the events (file: the path when empty).
 // 0 accepted, -999 ring full, -1 unknown mode.
 int PlaySound(Voice& v, std::string_view path, int mode, int validFor, int channel,
               std::string_view by = "PlaySound", std::string_view file = {});
 
-// One step of the 125 ms sound timer of a channel.
+// One step of the 125 ms sound timer of a channel. A channel without a
+// device plays nothing and never waits. A failure of the device ends in the
+// standard failure report (FailureReport, location "SoundTimer::Timer").
 void SoundTimer(Voice& v, int channel);
 
 // The caption of a remark, 1 amber (early warning), 2 red (a fault).
@@ -105,6 +129,8 @@ void ShowRemark(Voice& v, std::string_view file, int level);
 // The simulator's message line; true when both writes were accepted.
 bool DisplayFSMessage(Voice& v, std::string_view text, int seconds);
 bool DisplayOnlyThisTextFSMessage(Voice& v, std::string_view text, int seconds);
+// A call point kept for spoken texts; it shows nothing.
+inline void DisplayVoiceIfWanted(std::string_view /*text*/, int /*seconds*/ = 0) {}
 
 void LoadCaptions(SoundState& s, std::string_view file);
 // The caption key of a path: file part upper case, with the aircraft folder
@@ -112,11 +138,16 @@ void LoadCaptions(SoundState& s, std::string_view file);
 std::string CaptionKey(std::string_view path);
 
 void SetInstructorVolume(Voice& v, int setting);
+// On connecting: sound disabled with captions on keeps the files running,
+// inaudibly, to pace the captions; otherwise the chosen volume.
+void SetVolumeAtConnection(Voice& v);
 // Fills the instructor list from the folders below "Sound\".
 void LoadInstructors(SoundState& s);
 bool FindAndSetInstructor(SoundState& s, std::string_view name);
 // "SoundCard.dat": the chosen output device.
 int LoadSoundCard(const SoundState& s);
 bool SaveSoundCard(const SoundState& s, int device);
+// The pilot picks an output device (-1 the system default).
+void SelectSoundCard(Voice& v, int device);
 
 }  // namespace vantoro

@@ -1,0 +1,393 @@
+// The decoder seen from the rules: values placed at simulator offsets in an
+// offset image come out of the current record as the instructor reads them.
+#include "link/snapshot.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <random>
+#include <string>
+#include <tuple>
+
+#include "link/image_link.h"
+
+namespace vantoro {
+namespace {
+
+// One decoder with its image; Decode copies the four blocks as a tick reads
+// them and decodes them into the current record.
+struct Sim {
+  OffsetImage image;
+  LinkState link;
+  DecodeInputs in;
+  DecodeResult result;
+
+  const FSData& Decode() {
+    image.GetBytes(kMainBlockOffset, link.ByteBuffer.data(), kMainBlockSize);
+    image.GetBytes(kGpsBlockOffset, link.GpsBuffer.data(), kGpsBlockSize);
+    image.GetBytes(kTrafficBlockOffset, link.TrafficBuffer.data(), kTrafficBlockSize);
+    image.GetBytes(kMetarBlockOffset, link.MetarBuffer.data(), kMetarBlockSize);
+    result = ProcessFSData(link, in);
+    return link.Now();
+  }
+};
+
+// Degrees to the top word of a 32-bit simulator angle (65536 to the turn).
+uint16_t AngleWord(double degrees) {
+  return static_cast<uint16_t>(std::lround(std::fmod(degrees + 360.0, 360.0) * 65536.0 / 360.0));
+}
+
+TEST(Snapshot, PitchAndBank) {
+  struct Case {
+    uint16_t word;
+    int32_t degrees;
+  };
+  // The simulator's pitch is negative nose up; 180 exactly lands on the 360 - x side.
+  for (const Case& c : {Case{0, 0}, Case{910, -5}, Case{AngleWord(-5), 5}, Case{32768, 180},
+                        Case{32585, -179}, Case{65535, 0}}) {
+    Sim sim;
+    sim.image.SetU16(0x057A, c.word);
+    sim.image.SetU16(0x057E, c.word);
+    const FSData& d = sim.Decode();
+    EXPECT_EQ(d.Pitch, c.degrees) << c.word;
+    EXPECT_EQ(d.Bank, c.degrees) << c.word;
+  }
+}
+
+TEST(Snapshot, WholeNumberFields) {
+  struct Case {
+    uint32_t offset;
+    uint16_t raw;
+    int32_t FSData::*field;
+    int32_t expected;
+  };
+  const Case cases[] = {
+      {0x0BB2, 0x8000, &FSData::Elevator, -32768},  // top byte 0x80
+      {0x0842, 0x8000, &FSData::VS, 107507},        // the fastest climb the word holds
+      {0x0842, static_cast<uint16_t>(-100), &FSData::VS, 328},
+      {0x0574, static_cast<uint16_t>(-10), &FSData::Altitude, -33},  // below sea level
+      {0x036E, 0x80, &FSData::Slip, -128},
+      {0x0C48, 0xFF, &FSData::Nav1Localiser, -1},
+      {0x02B6, 50, &FSData::GS, 97},  // 50 m/s
+      {0x02BC, 64, &FSData::IAS, 0},  // half a knot rounds to even
+      {0x02BC, 192, &FSData::IAS, 2},
+      {0x0021, 100, &FSData::GroundAltitude, 328},  // 100.0 m reads 328.1 ft
+      {0x07CC, 90 * 182, &FSData::APHeadingBug, 90},
+      {0x0F30, 3 * 8184, &FSData::CloudHighCover, 3},
+      {0x08D8, 10, &FSData::Eng1FuelFlow, 2},  // 2.5 to even
+      {0x034E, 0x2150, &FSData::Com1Freq, 2150},
+      {0x3120, 0x1170, &FSData::Nav2Freq, 11170},
+      {0x311A, 0x2475, &FSData::Nav1Standby, 2475},
+      {0x0354, 0x7700, &FSData::Squawk, 0x7700},
+  };
+  for (const Case& c : cases) {
+    Sim sim;
+    sim.image.SetU16(c.offset, c.raw);
+    EXPECT_EQ(sim.Decode().*c.field, c.expected) << std::hex << c.offset;
+  }
+  Sim sim;
+  sim.image.SetU16(0x3324, 1000);
+  sim.image.SetU8(0x0C18, 2);  // metres on the altimeter
+  EXPECT_EQ(sim.Decode().IndicatedAltitude, 3281);
+}
+
+TEST(Snapshot, FixedPointFields) {
+  struct Case {
+    uint32_t offset;
+    uint16_t raw;
+    double FSData::*field;
+    double expected;
+  };
+  for (const Case& c :
+       {Case{0x31E6, 300, &FSData::AGL, 984.3}, Case{0x0E8A, 1050, &FSData::Visibility, 10.5},
+        Case{0x0350, 0x1050, &FSData::Nav1Freq, 110.50},
+        Case{0x0350, 0x0895, &FSData::Nav1Freq, 108.95}}) {
+    Sim sim;
+    sim.image.SetU16(c.offset, c.raw);
+    EXPECT_DOUBLE_EQ(sim.Decode().*c.field, c.expected) << std::hex << c.offset;
+  }
+}
+
+TEST(Snapshot, LatitudeAndLongitude) {
+  struct Case {
+    double latitude, longitude;
+  };
+  for (const Case& c :
+       {Case{51.4775, -0.4614}, Case{-33.9461, 151.1772}, Case{0, 179.99}, Case{89.9, -179.99}}) {
+    Sim sim;
+    sim.image.SetI64(0x0560,
+                     static_cast<int64_t>(c.latitude * 10001750.0 * 65536.0 * 65536.0 / 90.0));
+    sim.image.SetI64(0x0568, static_cast<int64_t>(c.longitude / 360.0 * 18446744073709551616.0));
+    const FSData& d = sim.Decode();
+    EXPECT_NEAR(d.Latitude, c.latitude, 1e-9);
+    EXPECT_NEAR(d.Longitude, c.longitude, 1e-9);
+  }
+}
+
+TEST(Snapshot, FuelSums) {
+  constexpr uint32_t kFull = 128 * 65536;
+  struct Tank {
+    uint32_t level, percentWord, capacity;
+  };
+  struct Case {
+    const char* name;
+    std::vector<Tank> tanks;
+    int32_t capacity, gallons;
+    double percent, leftMainLb;
+  };
+  const Case cases[] = {
+      {"no tanks", {}, 0, 0, 0, 0},
+      {"empty tanks", {{0x0B7C, 0, 26}, {0x0B94, 0, 26}}, 52, 0, 0, 0},
+      {"half and full mains", {{0x0B7C, kFull / 2, 26}, {0x0B94, kFull, 26}}, 52, 39, 75, 78},
+      {"centre and far external tank count",
+       {{0x0B74, kFull, 100}, {0x125C, kFull / 4, 40}, {0x0B7C, kFull, 10}},
+       150,
+       120,
+       80,
+       60},
+  };
+  for (const Case& c : cases) {
+    Sim sim;
+    sim.image.SetU16(0x0AF4, 6 * 256);       // 6 lb per gallon
+    sim.image.SetU32(0x3BFC, 1500u * 256u);  // zero-fuel weight 1500 lb
+    for (const Tank& t : c.tanks) {
+      sim.image.SetU32(t.level, t.percentWord);
+      sim.image.SetU32(t.level + 4, t.capacity);
+    }
+    const FSData& d = sim.Decode();
+    EXPECT_EQ(d.TotalFuelCapacity, c.capacity) << c.name;
+    EXPECT_EQ(d.TotalFuelGallons, c.gallons) << c.name;
+    EXPECT_DOUBLE_EQ(d.FuelPercent, c.percent) << c.name;
+    EXPECT_DOUBLE_EQ(d.FuelLbLeftMain, c.leftMainLb) << c.name;
+    EXPECT_DOUBLE_EQ(d.FuelGallonsWeight, c.gallons * 6.0) << c.name;
+    EXPECT_DOUBLE_EQ(sim.link.TotalWeightTons, (1500 + c.gallons * 6.0) / 2000) << c.name;
+  }
+}
+
+TEST(Snapshot, HeadingAndWindAcrossNorth) {
+  struct Case {
+    double trueHeading, magVar, surfaceWind, obs;
+    int32_t heading, windToHeading, windToObs, windMagnetic;
+  };
+  const Case cases[] = {
+      {20, 10, 350, 10, 10, -20, -20, 340},  // easterly variation
+      {10, -10, 10, 350, 20, -10, 20, 20},   // westerly variation reads near 360
+      {0, 0, 180, 0, 0, 180, 180, 180},
+      {90, 0, 270, 270, 90, 180, 0, 270},
+  };
+  for (const Case& c : cases) {
+    Sim sim;
+    sim.image.SetU16(0x0582, AngleWord(c.trueHeading));
+    sim.image.SetU16(0x02A0, AngleWord(c.magVar));
+    sim.image.SetU16(0x0EF2, static_cast<uint16_t>(c.surfaceWind * 182));
+    sim.image.SetU16(0x0E92, static_cast<uint16_t>(c.surfaceWind * 182));
+    sim.image.SetU16(0x0C4E, static_cast<uint16_t>(c.obs));
+    const FSData& d = sim.Decode();
+    EXPECT_EQ(d.Heading, c.heading) << c.trueHeading;
+    EXPECT_EQ(d.WindRelativeToHeading, c.windToHeading) << c.trueHeading;
+    EXPECT_EQ(d.WindRelativeToOBS, c.windToObs) << c.trueHeading;
+    EXPECT_EQ(d.WindDirection, c.windMagnetic) << c.trueHeading;
+  }
+  EXPECT_EQ(RelativeBearing(10, 190), -180);
+  EXPECT_EQ(RelativeBearing(720, 0), 0);
+}
+
+TEST(Snapshot, StringsStopAtZeroOr255AndAtTheBufferEnd) {
+  Sim sim;
+  sim.image.SetString(0x3D00, std::string(300, 'T'));  // title longer than 255
+  sim.image.SetString(0x0C29, "123.4");                // DME reads four characters
+  sim.image.SetString(0x0C33, " 5.2");
+  const std::string tail(10, 'M');  // weather text running into the end of its block
+  sim.image.SetBytes(kMetarBlockOffset + kMetarBlockSize - 10, tail.data(), 10);
+  sim.image.SetString(0x6081, "EGLL");
+  sim.image.SetF64(0x6048, 1000.0);
+  const std::string gpsTail(kGpsBlockOffset + kGpsBlockSize - 0x6160, 'G');
+  sim.image.SetBytes(0x6160, gpsTail.data(), static_cast<uint32_t>(gpsTail.size()));
+  const FSData& d = sim.Decode();
+  EXPECT_EQ(sim.link.Gps.GpsNextWaypoint, "EGLL");
+  EXPECT_DOUBLE_EQ(sim.link.Gps.Double6048, 3281.0);
+  EXPECT_EQ(sim.link.Gps.Text6160, gpsTail);
+  EXPECT_EQ(d.AircraftTitle, std::string(255, 'T'));
+  EXPECT_DOUBLE_EQ(d.DME1Distance, 123);
+  EXPECT_DOUBLE_EQ(d.DME2Distance, 5.2);
+  EXPECT_EQ(GetByteBufferMetar(sim.link, kMetarBlockSize - 10), tail);
+  EXPECT_EQ(GetByteBufferMetar(sim.link, kMetarBlockSize), "");
+  EXPECT_EQ(GetByteBuffer(sim.link, size_t{1} << 40), "");
+
+  uint8_t bytes[4];
+  EXPECT_EQ(CopyToStringBuffer("ABCDEF", bytes), 4u);
+  EXPECT_EQ(std::string(reinterpret_cast<char*>(bytes)), "ABC");
+}
+
+TEST(Snapshot, TrafficTableOfThePhaseOnly) {
+  struct Case {
+    uint8_t onGround;
+    uint16_t lastSlotWord;
+    int32_t airCount, groundCount;
+  };
+  const Case cases[] = {
+      {0, 0xE080 + 2 * 40, 3, 0},                // three airborne slots
+      {1, 0xF080 + 4 * 40, 0, 5}, {0, 0, 0, 0},  // empty word
+      {0, 0xFFFF, 95, 0},                        // hostile word
+      {1, 0x1234, 0, 0},
+  };
+  for (const Case& c : cases) {
+    Sim sim;
+    sim.image.SetU8(0x0366, c.onGround);
+    sim.image.SetU16(0x02A0, AngleWord(10));
+    sim.image.SetU16(0xE07E, c.lastSlotWord);
+    sim.image.SetU16(0xF07E, c.lastSlotWord);
+    for (uint32_t table : {0xE080u, 0xF080u}) {
+      const uint32_t slot = table + 40 * 2;
+      sim.image.SetU8(slot, 7);
+      sim.image.SetF32(slot + 4, 51.5f);
+      sim.image.SetF32(slot + 12, 1200.0f);
+      sim.image.SetU16(slot + 16, 90 * 182);
+      sim.image.SetU16(slot + 18, 140);
+      sim.image.SetI16(slot + 20, -500);
+      sim.image.SetString(slot + 22, "BAW123");
+      sim.image.SetU8(slot + 37, 141);
+    }
+    sim.Decode();
+    EXPECT_EQ(sim.link.AirTrafficCount, c.airCount);
+    EXPECT_EQ(sim.link.GroundTrafficCount, c.groundCount);
+    const TrafficSlot& read = c.onGround ? sim.link.GroundTraffic[2] : sim.link.AirTraffic[2];
+    const TrafficSlot& unread = c.onGround ? sim.link.AirTraffic[2] : sim.link.GroundTraffic[2];
+    EXPECT_EQ(read.Ident, "BAW123");
+    EXPECT_DOUBLE_EQ(read.Latitude, 51.5);
+    EXPECT_EQ(std::tie(read.Id, read.RelativeHeading, read.GS, read.State, read.VS),
+              std::make_tuple(7, 80, 140, 141, c.onGround ? -500 : 0));
+    EXPECT_DOUBLE_EQ(read.Altitude, c.onGround ? 1200 : 0);
+    EXPECT_EQ(unread.Ident, "");
+  }
+  // A call sign without terminator in the last ground slot stops at the block's end.
+  Sim sim;
+  sim.image.SetU8(0x0366, 1);
+  const uint32_t sign = 0xF080 + 40 * 95 + 22;
+  const std::string rest(kTrafficBlockOffset + kTrafficBlockSize - sign, 'X');
+  sim.image.SetBytes(sign, rest.data(), static_cast<uint32_t>(rest.size()));
+  sim.Decode();
+  EXPECT_EQ(sim.link.GroundTraffic[95].Ident, rest);
+}
+
+TEST(Snapshot, AircraftFolderOverrides) {
+  struct Case {
+    const char* airFile;
+    bool c152Family;
+    uint8_t gear, battery, failElectrics;
+    bool gearDown, masterBattery;
+    int32_t barberPole;
+  };
+  const Case cases[] = {
+      {"C:\\FSX\\SimObjects\\Airplanes\\C172\\c172.air", false, 0, 1, 0, false, true, 160},
+      {"C:\\FSX\\SimObjects\\Airplanes\\A2A_C172\\A2A_C172.air", false, 0, 0, 0, true, true, 160},
+      {"C:\\FSX\\SimObjects\\Airplanes\\A2A_C172\\A2A_C172.air", false, 0, 1, 1, true, false, 160},
+      {"C:\\FSX\\SimObjects\\Airplanes\\a2a_c182\\a2a.air", false, 0, 0x40, 0, true, true, 160},
+      {"C:\\FSX\\SimObjects\\Airplanes\\A2A_C182\\a2a.air", false, 0, 0x01, 0, true, false, 160},
+      {"C:\\P3D\\Airplanes\\Carenado CT182T_Skylane\\x.air", false, 0, 1, 0, true, true, 160},
+      {"C:\\P3D\\Airplanes\\A2A_C172_Old\\x.air", false, 0, 1, 1, false, true, 160},
+      {"C:\\FSX\\Airplanes\\Carenado C152II\\c152.air", true, 1, 1, 0, true, true, 149},
+      {"C:\\Carenado\\Airplanes\\C152\\c152.air", true, 1, 1, 0, true, true, 160},
+      {"C:\\FSX\\Airplanes\\Carenado C152II\\c152.air", false, 1, 1, 0, true, true, 160},
+  };
+  for (const Case& c : cases) {
+    Sim sim;
+    sim.in.Cessna152Family = c.c152Family;
+    sim.image.SetString(0x3C00, c.airFile);
+    sim.image.SetU8(0x0BE8, c.gear);
+    sim.image.SetU8(0x281C, c.battery);
+    sim.image.SetU8(0x0B6A, c.failElectrics);
+    sim.image.SetU16(0x02C4, 160 * 128);
+    const FSData& d = sim.Decode();
+    EXPECT_EQ(d.GearDown, c.gearDown) << c.airFile;
+    EXPECT_EQ(d.MasterBattery, c.masterBattery) << c.airFile;
+    EXPECT_EQ(d.BarberPole, c.barberPole) << c.airFile;
+  }
+  EXPECT_EQ(AircraftFolder("C:\\Sim\\Airplanes\\a2a_c172\\a.air"), "A2A_C172");
+}
+
+TEST(Snapshot, WeightClassEnginesAndTypes) {
+  struct Case {
+    uint16_t weightWord;
+    bool lear;
+    bool heavy;
+    int32_t speedLimit;
+  };
+  for (const Case& c :
+       {Case{7, false, false, 150}, Case{75, false, false, 150}, Case{100, false, false, 170},
+        Case{101, true, true, 190}, Case{60, true, true, 150}, Case{5000, false, true, 250}}) {
+    Sim sim;
+    sim.in.LearFamily = c.lear;
+    sim.image.SetU16(0x3BFE, c.weightWord);
+    sim.Decode();
+    EXPECT_EQ(sim.link.HeavyAircraft, c.heavy) << c.weightWord;
+    EXPECT_EQ(sim.link.TrafficSpeedLimit, c.speedLimit) << c.weightWord;
+  }
+  Sim sim;
+  sim.image.SetU8(0x0AEC, 2);
+  sim.image.SetU8(0x3366, 0x0F);  // all four fire bits
+  sim.image.SetU8(0x0609, 5);
+  FSData d = sim.Decode();
+  EXPECT_TRUE(d.Eng1OnFire && d.Eng2OnFire);
+  EXPECT_FALSE(d.Eng3OnFire || d.Eng4OnFire);
+  EXPECT_EQ(d.EngineType, "Turboprop");
+  sim.image.SetU8(0x0609, 9);
+  EXPECT_EQ(sim.Decode().EngineType, "");
+}
+
+TEST(Snapshot, WarmUpAndChangeStamps) {
+  for (bool wanted : {true, false}) {
+    Sim sim;
+    sim.in.StartingPositionWanted = wanted;
+    for (int tick = 1; tick <= 9; ++tick) {
+      sim.in.TickCount = tick;
+      sim.Decode();
+      EXPECT_EQ(sim.result.WarmUpReached, wanted && tick == 6) << tick;
+      sim.link.Swap();
+    }
+    EXPECT_EQ(sim.link.WarmUpTicks, 6);
+  }
+  Sim sim;
+  sim.image.SetU16(0x0C4E, 90);
+  sim.image.SetString(0x3006, "LONDON");
+  for (int tick = 20; tick <= 23; ++tick) {
+    if (tick == 22) sim.image.SetU16(0x0C4E, 95);
+    if (tick == 23) sim.image.SetU8(0x0C4B, 1);
+    sim.in.TickCount = tick;
+    sim.Decode();
+    sim.link.Swap();
+  }
+  EXPECT_EQ(sim.link.Nav1OBSChanged, 22);
+  EXPECT_EQ(sim.link.Nav1ToFromChanged, 23);
+  EXPECT_EQ(sim.link.Vor1NameChanged, 20);  // changed from the empty first record only
+  EXPECT_EQ(sim.link.Nav1BackCourseChanged, 0);
+}
+
+// Whatever bytes arrive, the decode stays inside its buffers (the sanitizer
+// build watches) and the traffic counts stay within the tables.
+TEST(Snapshot, RandomBuffersDecodeSafely) {
+  std::mt19937 random(20240611);
+  std::uniform_int_distribution<int> byte(0, 255);
+  LinkState link;
+  for (int round = 0; round < 300; ++round) {
+    const bool dense = round % 2 == 0;  // half the rounds without zero bytes at all
+    auto fill = [&](auto& buffer) {
+      for (uint8_t& b : buffer)
+        b = static_cast<uint8_t>(dense ? 1 + byte(random) % 255 : byte(random));
+    };
+    fill(link.ByteBuffer);
+    fill(link.GpsBuffer);
+    fill(link.TrafficBuffer);
+    fill(link.MetarBuffer);
+    ProcessFSData(link, DecodeInputs{round, round % 3 == 0, round % 5 == 0, true});
+    const FSData& d = link.Now();
+    EXPECT_TRUE(d.AirFile.size() <= 255 && d.MetarText.size() <= 255);
+    EXPECT_TRUE(std::abs(d.Pitch) <= 180 && std::abs(d.WindRelativeToHeading) <= 180);
+    EXPECT_TRUE(link.AirTrafficCount >= 0 && link.GroundTrafficCount <= kTrafficSlots);
+    link.Swap();
+  }
+}
+
+}  // namespace
+}  // namespace vantoro
