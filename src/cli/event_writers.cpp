@@ -78,7 +78,8 @@ std::string ValueText(const EventValue* v) {
   return std::get<std::string>(*v);
 }
 
-constexpr std::string_view kIndent = "                   ";  // time and label columns
+constexpr size_t kLabelWidth = 11;
+constexpr std::string_view kIndent = "                    ";  // time and label columns
 
 }  // namespace
 
@@ -156,10 +157,13 @@ std::string FormatVirtualTime(int64_t ms) {
 void Transcript::Line(std::string_view label, std::string_view text) {
   out_ << FormatVirtualTime(now_) << "  ";
   out_ << label;
-  for (size_t i = label.size(); i < 10; ++i) out_ << ' ';
+  for (size_t i = label.size(); i < kLabelWidth; ++i) out_ << ' ';
+  Continue(text, true);
+}
+
+void Transcript::Continue(std::string_view text, bool first) {
   // Texts of several lines (status, reports) continue under the first.
   size_t start = 0;
-  bool first = true;
   while (true) {
     const size_t end = text.find('\n', start);
     std::string_view part = text.substr(start, end == std::string_view::npos ? text.npos
@@ -197,14 +201,14 @@ void Transcript::Emit(const Event& e) {
     if (!rating.empty()) head += ", " + rating;
     Line("landing", head);
     const std::string report = e.Text("report");
-    if (!report.empty()) Line("", report);
+    if (!report.empty()) Continue(report, false);
   } else if (type == "flight") {
     Line("flight", "flight " + ValueText(e.Find("index")) + ": score " +
                        ValueText(e.Find("score")) + ", landing " + ValueText(e.Find("landing")) +
                        ", circuit " + ValueText(e.Find("circuit")) + ", duration " +
                        ValueText(e.Find("duration")));
     const std::string report = e.Text("report");
-    if (!report.empty()) Line("", report);
+    if (!report.empty()) Continue(report, false);
   } else if (type == "log") {
     Line("log", "row written to " + e.Text("file"));
   } else if (type == "error") {

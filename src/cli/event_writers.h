@@ -44,6 +44,8 @@ class Transcript final : public Events {
 
  private:
   void Line(std::string_view label, std::string_view text);
+  // Lines under the last one; `first` when the label is already written.
+  void Continue(std::string_view text, bool first);
 
   std::ostream& out_;
   const int64_t& now_;

@@ -318,7 +318,7 @@ bool ScriptReader::Number(std::string_view word, std::string_view what, double l
   auto [p, ec] = std::from_chars(digits.data(), digits.data() + digits.size(), v);
   if (word.empty() || ec != std::errc() || p != digits.data() + digits.size() ||
       !std::isfinite(v))
-    return Fail("malformed number '" + std::string(word) + "' for " + std::string(what));
+    return Fail(std::string(what) + " needs a number, not '" + std::string(word) + "'");
   if (v < low || v > high) {
     char range[64];
     std::snprintf(range, sizeof range, " (%g..%g)", low, high);
@@ -868,8 +868,11 @@ bool Generator::Begin(const ScriptLine& l) {
       break;
     case Op::Bounce:
       if (!needGround()) return false;
+      // The gear throws the aircraft back up at once.
       a_.onGround = false;
+      a_.vs = 400;
       t_.height.reset();
+      t_.sink.reset();
       t_.climb = 400;
       bounceStage_ = 1;
       bounceTop_ = o.to.value_or(8);

@@ -165,8 +165,7 @@ int ReplayCommand(const CommandArgs& args, CliContext& cli) {
   std::unique_ptr<Transcript> transcript;
   int status = kExitOk;
   auto fail = [&](const FailureReport& f) {
-    cli.err << f.Report() << '
-';
+    cli.err << f.Report() << '\n';
     fan.Emit(replay ? replay->instructor().flight.TickCount : 0, "error", {{"text", f.Report()}});
     status = kExitFailure;
   };
