@@ -129,8 +129,8 @@ std::string JsonString(std::string_view text) {
 }
 
 std::string EventJson(const Event& event) {
-  std::string out = "{\"tick\":" + std::to_string(event.tick) + ",\"type\":" +
-                    JsonString(event.type);
+  std::string out =
+      "{\"tick\":" + std::to_string(event.tick) + ",\"type\":" + JsonString(event.type);
   for (const EventField& f : event.fields) {
     out += ',';
     out += JsonString(f.name);
@@ -166,8 +166,8 @@ void Transcript::Continue(std::string_view text, bool first) {
   size_t start = 0;
   while (true) {
     const size_t end = text.find('\n', start);
-    std::string_view part = text.substr(start, end == std::string_view::npos ? text.npos
-                                                                            : end - start);
+    std::string_view part =
+        text.substr(start, end == std::string_view::npos ? text.npos : end - start);
     if (!part.empty() && part.back() == '\r') part.remove_suffix(1);
     if (!first) out_ << kIndent;
     out_ << part << '\n';

@@ -80,13 +80,13 @@ constexpr int kMaxPhaseTicks = 4 * 3600 * 2;
 constexpr int kMaxFlightTicks = 48 * 3600 * 2;
 
 // How fast things change, per second of simulator time.
-constexpr double kTaxiAccel = 2.0;      // knots
-constexpr double kTakeOffAccel = 3.5;   // knots
-constexpr double kBrakingDecel = 3.0;   // knots
-constexpr double kAirAccel = 1.5;       // knots
-constexpr double kVsChange = 300.0;     // feet per minute
-constexpr double kRollRate = 8.0;       // degrees of bank
-constexpr double kPitchRate = 3.0;      // degrees
+constexpr double kTaxiAccel = 2.0;     // knots
+constexpr double kTakeOffAccel = 3.5;  // knots
+constexpr double kBrakingDecel = 3.0;  // knots
+constexpr double kAirAccel = 1.5;      // knots
+constexpr double kVsChange = 300.0;    // feet per minute
+constexpr double kRollRate = 8.0;      // degrees of bank
+constexpr double kPitchRate = 3.0;     // degrees
 constexpr double kRotatePitchRate = 4.0;
 constexpr double kTaxiTurnRate = 20.0;  // degrees of heading
 constexpr double kFlapRate = 3.0;       // degrees
@@ -151,11 +151,11 @@ enum Key : unsigned {
 struct OpInfo {
   std::string_view words;  // the line's first word(s)
   Op op;
-  int numbers;      // positional numbers that follow
-  bool text;        // the rest of the line is text
-  unsigned keys;    // keys it takes
-  bool takesTime;   // a phase
-  bool needsFor;    // "for" is required
+  int numbers;     // positional numbers that follow
+  bool text;       // the rest of the line is text
+  unsigned keys;   // keys it takes
+  bool takesTime;  // a phase
+  bool needsFor;   // "for" is required
 };
 
 constexpr OpInfo kOps[] = {
@@ -316,8 +316,7 @@ bool ScriptReader::Number(std::string_view word, std::string_view what, double l
   std::string_view digits = word;
   if (digits.size() > 1 && digits[0] == '+') digits.remove_prefix(1);
   auto [p, ec] = std::from_chars(digits.data(), digits.data() + digits.size(), v);
-  if (word.empty() || ec != std::errc() || p != digits.data() + digits.size() ||
-      !std::isfinite(v))
+  if (word.empty() || ec != std::errc() || p != digits.data() + digits.size() || !std::isfinite(v))
     return Fail(std::string(what) + " needs a number, not '" + std::string(word) + "'");
   if (v < low || v > high) {
     char range[64];
@@ -391,8 +390,8 @@ bool ScriptReader::Option(std::vector<std::string_view>& words, size_t& i, Scrip
       size_t start = 0;
       while (start <= value.size()) {
         const size_t end = value.find_first_of("+,", start);
-        const std::string_view light = value.substr(start, end == value.npos ? value.npos
-                                                                              : end - start);
+        const std::string_view light =
+            value.substr(start, end == value.npos ? value.npos : end - start);
         if (light == "nav") {
           bits |= kLightNav;
         } else if (light == "beacon") {
@@ -445,8 +444,7 @@ bool ScriptReader::Line(std::string_view text, ScriptLine& out) {
       // Checked now as the replay will read it.
       Recording check;
       std::string error;
-      if (!ParseRecording("raw", std::string(kRecordingFirstLine) + "\n" + out.text, check,
-                          error))
+      if (!ParseRecording("raw", std::string(kRecordingFirstLine) + "\n" + out.text, check, error))
         return Fail("raw: " + error.substr(error.find(": ", 4) + 2));
     }
     return true;
@@ -499,8 +497,7 @@ bool ScriptReader::Line(std::string_view text, ScriptLine& out) {
     if (!Option(words, i, out)) return false;
   if (found->needsFor && !out.opt.forSeconds)
     return Fail(std::string(found->words) + " needs 'for SECONDS'");
-  if ((found->op == Op::Climb || found->op == Op::Descend || found->op == Op::Turn) &&
-      !out.opt.to)
+  if ((found->op == Op::Climb || found->op == Op::Descend || found->op == Op::Turn) && !out.opt.to)
     return Fail(std::string(found->words) + " needs 'to'");
   if (found->op == Op::Fuel && out.opt.capacity &&
       (out.numbers[0] > *out.opt.capacity || out.numbers[1] > *out.opt.capacity))
@@ -512,8 +509,7 @@ bool ScriptReader::Line(std::string_view text, ScriptLine& out) {
   return true;
 }
 
-bool ScriptReader::Read(std::string_view script, std::vector<ScriptLine>& out,
-                        std::string& error) {
+bool ScriptReader::Read(std::string_view script, std::vector<ScriptLine>& out, std::string& error) {
   while (!script.empty()) {
     ++line_;
     const size_t end = script.find('\n');
@@ -1057,7 +1053,8 @@ void Generator::Move(double tickSeconds) {
 
     // Attitude: the flight path plus the angle of attack that the speed and
     // flaps ask for, unless a phase holds the nose.
-    const double gamma = Degrees(std::atan2(a_.vs / 60.0, std::max(a_.tas, 1.0) * kFeetPerSecondPerKnot));
+    const double gamma =
+        Degrees(std::atan2(a_.vs / 60.0, std::max(a_.tas, 1.0) * kFeetPerSecondPerKnot));
     const double alpha = std::clamp(1.5 + (85 - a_.ias) * 0.12 - a_.flaps * 0.05, -2.0, 12.0);
     const double wantPitch = t_.pitch ? *t_.pitch : gamma + alpha;
     a_.pitch = Toward(a_.pitch, wantPitch, t_.pitchRate * dt);
@@ -1156,10 +1153,10 @@ void Generator::WriteTick() {
   for (int e = 0; e < 4; ++e) {
     const bool fitted = e < a.engines;
     const uint32_t b = engineBase[e];
-    out_.I16(b, fitted ? Round(a.throttle * 16384) : 0);             // throttle
-    out_.I16(b + 2, fitted ? 16384 : 0);                              // propeller
-    out_.I16(b + 4, fitted && a.mixtureRich ? 16384 : 0);             // mixture
-    out_.U16(b + 8, fitted && a.firing ? 1 : 0);                      // combustion
+    out_.I16(b, fitted ? Round(a.throttle * 16384) : 0);   // throttle
+    out_.I16(b + 2, fitted ? 16384 : 0);                   // propeller
+    out_.I16(b + 4, fitted && a.mixtureRich ? 16384 : 0);  // mixture
+    out_.U16(b + 8, fitted && a.firing ? 1 : 0);           // combustion
   }
   out_.U16(0x0AEC, a.engines);
   out_.U16(0x0AF4, 6 * 256);  // avgas, 6 pounds a gallon
@@ -1215,7 +1212,8 @@ bool Generator::Run(const std::vector<ScriptLine>& lines, std::string& error) {
       error = error_;
       return false;
     }
-    const int fixed = l.opt.forSeconds ? static_cast<int>(std::lround(*l.opt.forSeconds / kTickSeconds)) : -1;
+    const int fixed =
+        l.opt.forSeconds ? static_cast<int>(std::lround(*l.opt.forSeconds / kTickSeconds)) : -1;
     while (true) {
       if (fixed >= 0 ? phaseTicks_ >= fixed : Ended(l)) break;
       if (fixed < 0 && phaseTicks_ >= kMaxPhaseTicks) {
@@ -1248,7 +1246,8 @@ bool GenerateFlight(std::string_view name, std::string_view script, std::string&
   // Errors and the heading name the script by its file name only, so that a
   // recording does not depend on where it was generated.
   const size_t slash = name.find_last_of("/\\");
-  const std::string_view shortName = slash == std::string_view::npos ? name : name.substr(slash + 1);
+  const std::string_view shortName =
+      slash == std::string_view::npos ? name : name.substr(slash + 1);
   std::vector<ScriptLine> lines;
   ScriptReader reader(name);
   if (!reader.Read(script, lines, error)) return false;

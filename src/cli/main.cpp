@@ -14,8 +14,10 @@ struct Command {
 };
 
 constexpr Command kCommands[] = {
-    {"replay", "RECORDING [--root DIR] [--pilot FILE] [--out DIR] [--events FILE|-] [--seed N] "
-               "[--instant]", vantoro::ReplayCommand},
+    {"replay",
+     "RECORDING [--root DIR] [--pilot FILE] [--out DIR] [--events FILE|-] [--seed N] "
+     "[--instant]",
+     vantoro::ReplayCommand},
     {"generate", "SCRIPT OUT.vrec[.gz]", vantoro::GenerateCommand},
     {"record", "OUT.vrec[.gz] [--ticks N]", vantoro::RecordCommand},
 };

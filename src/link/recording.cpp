@@ -170,8 +170,7 @@ bool Parser::InRange(const RecordingStep& step) {
   const auto size = static_cast<uint32_t>(step.bytes.size());
   if (OffsetImage::InBlocks(step.offset, size)) return true;
   char where[64];
-  std::snprintf(where, sizeof where, "%u byte%s at %04X", size, size == 1 ? "" : "s",
-                step.offset);
+  std::snprintf(where, sizeof where, "%u byte%s at %04X", size, size == 1 ? "" : "s", step.offset);
   return Fail(std::string("a write of ") + where +
               " lies outside the offset blocks (0020-401F, 6000-61FF, B800-C7FF, E020-1001F)");
 }

@@ -22,10 +22,10 @@ TEST(JsonLines, StringsStayValidJson) {
       {std::string("nul\0!", 5), R"("nul\u0000!")"},
       {"\x01\x1F\x7F", R"("\u0001\u001F\u007F")"},
       {"Caf\xC3\xA9 \xE2\x82\xAC", "\"Caf\xC3\xA9 \xE2\x82\xAC\""},  // UTF-8 kept
-      {"Caf\xE9", R"("Caf\u00E9")"},                                  // a Latin-1 title
-      {"\xC3", R"("\u00C3")"},                                        // cut sequence
-      {"\xC0\xAF", R"("\u00C0\u00AF")"},                              // overlong slash
-      {"\xED\xA0\x80", R"("\u00ED\u00A0\u0080")"},                    // surrogate
+      {"Caf\xE9", R"("Caf\u00E9")"},                                 // a Latin-1 title
+      {"\xC3", R"("\u00C3")"},                                       // cut sequence
+      {"\xC0\xAF", R"("\u00C0\u00AF")"},                             // overlong slash
+      {"\xED\xA0\x80", R"("\u00ED\u00A0\u0080")"},                   // surrogate
   };
   for (const Case& c : cases) EXPECT_EQ(JsonString(c.in), c.out) << c.out;
 }
@@ -36,7 +36,8 @@ TEST(JsonLines, EveryObjectStartsWithTickAndTypeThenFieldsInOrder) {
     const char* json;
   };
   const Case cases[] = {
-      {Event{12, "spoken", {{"file", "c172\\vs.wav"}, {"caption", "Vee speed"}, {"missing", false}}},
+      {Event{
+           12, "spoken", {{"file", "c172\\vs.wav"}, {"caption", "Vee speed"}, {"missing", false}}},
        R"({"tick":12,"type":"spoken","file":"c172\\vs.wav","caption":"Vee speed","missing":false})"},
       {Event{3, "count", {{"name", "NotUseTrimmers"}, {"value", 40}}},
        R"({"tick":3,"type":"count","name":"NotUseTrimmers","value":40})"},
@@ -65,8 +66,8 @@ TEST(Transcript, VirtualTime) {
     int64_t ms;
     const char* shown;
   };
-  const Case cases[] = {{0, "00:00.0"},         {125, "00:00.1"},      {500, "00:00.5"},
-                        {59'999, "00:59.9"},    {61'250, "01:01.2"},   {3'599'875, "59:59.8"},
+  const Case cases[] = {{0, "00:00.0"},          {125, "00:00.1"},    {500, "00:00.5"},
+                        {59'999, "00:59.9"},     {61'250, "01:01.2"}, {3'599'875, "59:59.8"},
                         {6'000'000, "100:00.0"}, {-5, "00:00.0"}};
   for (const Case& c : cases) EXPECT_EQ(FormatVirtualTime(c.ms), c.shown) << c.ms;
 }
@@ -86,9 +87,16 @@ TEST(Transcript, TellsWhatThePilotSeesAndHears) {
   t.Emit(125, "spoken", {{"file", "Cruise.wav"}, {"caption", "Cruise."}, {"missing", false}});
   t.Emit(125, "spoken", {{"file", "c172\\new.wav"}, {"caption", ""}, {"missing", true}});
   t.Emit(125, "remark", {{"file", "c172\\AmberFlaps.wav"}, {"level", 1}});
-  t.Emit(300, "landing", {{"score", 87.25}, {"rating", "Good"}, {"report", "Touchdown 120 fpm\nOn the centreline"}});
-  t.Emit(310, "flight", {{"index", 1}, {"score", 90.0}, {"landing", 87.25}, {"circuit", 0.0},
-                         {"duration", 12.5}, {"report", "Flight 1"}});
+  t.Emit(
+      300, "landing",
+      {{"score", 87.25}, {"rating", "Good"}, {"report", "Touchdown 120 fpm\nOn the centreline"}});
+  t.Emit(310, "flight",
+         {{"index", 1},
+          {"score", 90.0},
+          {"landing", 87.25},
+          {"circuit", 0.0},
+          {"duration", 12.5},
+          {"report", "Flight 1"}});
   t.Emit(310, "disconnect", {{"reason", 0}});
   t.Emit(311, "end", {{"ticks", int64_t{311}}});
   EXPECT_EQ(out.str(),

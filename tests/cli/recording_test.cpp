@@ -225,8 +225,8 @@ TEST(RecordingWriter, ReplayOfARecordingRestoresEveryTick) {
   EXPECT_NE(text.find("\nset 0366 00\ntick\ntick\n"), std::string::npos) << text;
 
   std::vector<std::vector<uint8_t>> replayed;
-  testing::ForEachTick(text,
-                       [&](const OffsetImage& image, int64_t) { replayed.push_back(snapshot(image)); });
+  testing::ForEachTick(
+      text, [&](const OffsetImage& image, int64_t) { replayed.push_back(snapshot(image)); });
   ASSERT_EQ(replayed.size(), seen.size());
   for (size_t i = 0; i < seen.size(); ++i) EXPECT_TRUE(replayed[i] == seen[i]) << "tick " << i + 1;
 }

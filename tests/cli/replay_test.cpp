@@ -105,10 +105,10 @@ TEST_F(Cli, ReplayWritesEventsAndCopiesThePilot) {
                                                   "u8 0366 1\n"
                                                   "tick 6\n"));
   const std::string pilot = Write("Ace.plt", "[Pilot]\nName=Ace\n");
-  ASSERT_EQ(Run(ReplayCommand, {rec, "--root", testing::DataRoot(), "--pilot", pilot, "--out",
-                                Path("out"), "--events", Path("e.jsonl"), "--seed", "9",
-                                "--instant"}),
-            kExitOk)
+  ASSERT_EQ(
+      Run(ReplayCommand, {rec, "--root", testing::DataRoot(), "--pilot", pilot, "--out",
+                          Path("out"), "--events", Path("e.jsonl"), "--seed", "9", "--instant"}),
+      kExitOk)
       << err_.str();
   EXPECT_EQ(ReadFile(Path("out/Ace.plt")), "[Pilot]\nName=Ace\n");
   const std::vector<std::string> lines = Split(Trim(ReadFile(Path("e.jsonl"))), '\n');
@@ -157,8 +157,8 @@ TEST_F(Cli, GenerateAndRecord) {
 // The demo flight through the whole instructor: the circuit moves through
 // every flight mode and the mode changes are shown and spoken.
 TEST(DemoFlight, DISABLED_FliesTheCircuitThroughEveryMode) {
-  const testing::Scenario flight = testing::ReplayText(
-      ReadFile(testing::DataRoot() + "/Recordings/demo-c172-circuit.vrec"));
+  const testing::Scenario flight =
+      testing::ReplayText(ReadFile(testing::DataRoot() + "/Recordings/demo-c172-circuit.vrec"));
   EXPECT_EQ(flight.Modes(),
             (std::vector<std::string>{"Taxiing", "TakeOff", "Cruise", "Landing", "Taxiing"}));
   std::vector<std::string> shown;
