@@ -1,7 +1,9 @@
 #include "support/scenario.h"
 
+#include <filesystem>
 #include <stdexcept>
 
+#include "base/files.h"
 #include "base/text.h"
 #include "cli/flightgen.h"
 #include "cli/replay.h"
@@ -35,6 +37,47 @@ bool Scenario::Said(std::string_view file) const {
   for (const Event& e : OfType("spoken"))
     if (EqualsNoCase(e.Text("file"), file)) return true;
   return false;
+}
+
+namespace {
+
+// A mono 16-bit wave of silence at 8000 samples a second.
+std::string QuietWave(int ms) {
+  const uint32_t rate = 8000, data = rate * 2 * static_cast<uint32_t>(ms) / 1000;
+  std::string w;
+  auto u32 = [&](uint32_t v) {
+    for (int i = 0; i < 4; ++i) w += static_cast<char>(v >> (8 * i));
+  };
+  auto u16 = [&](uint16_t v) {
+    w += static_cast<char>(v);
+    w += static_cast<char>(v >> 8);
+  };
+  w += "RIFF";
+  u32(36 + data);
+  w += "WAVEfmt ";
+  u32(16);
+  u16(1);
+  u16(1);
+  u32(rate);
+  u32(rate * 2);
+  u16(2);
+  u16(16);
+  w += "data";
+  u32(data);
+  w.append(data, '\0');
+  return w;
+}
+
+}  // namespace
+
+std::string MakeVoiceRoot(const std::string& folder, const std::string& instructor,
+                          const std::vector<std::string>& files, int ms) {
+  namespace fs = std::filesystem;
+  const fs::path voice = fs::path(folder) / "Sound" / instructor;
+  fs::create_directories(voice);
+  WriteFileAtomic((fs::path(folder) / "Sound" / "FSSilence.wav").string(), QuietWave(ms));
+  for (const std::string& f : files) WriteFileAtomic((voice / f).string(), QuietWave(ms));
+  return folder;
 }
 
 std::string GenerateScript(std::string_view script) {

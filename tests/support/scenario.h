@@ -43,6 +43,13 @@ struct Scenario {
   bool Said(std::string_view file) const;  // case ignored
 };
 
+// Makes a program root folder under `folder` with an instructor voice of
+// the given files (each a quiet wave of `ms` milliseconds) in
+// Sound\<instructor>\ and the silent file that stands in for missing ones.
+// Returns the root.
+std::string MakeVoiceRoot(const std::string& folder, const std::string& instructor,
+                          const std::vector<std::string>& files, int ms = 600);
+
 // The recording text of a flight script; a script error throws
 // std::runtime_error with its "script:LINE: ..." text.
 std::string GenerateScript(std::string_view script);
