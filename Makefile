@@ -8,7 +8,7 @@ JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
 CLI        := $(BUILD)/src/cli/vantoro-cli
 DEMO_OUT   ?= demo-output
 
-.PHONY: all setup build test test-main test-asan demo bench format clean
+.PHONY: all setup build test test-main test-asan demo voices bench format clean
 
 all: build
 
@@ -35,7 +35,12 @@ test-asan: setup $(ASAN_BUILD)/CMakeCache.txt
 
 test: test-main test-asan
 
-demo: build
+# The instructors' voice packs, rendered from data/text/english.txt into
+# data/Sound (files already up to date are skipped).
+voices: build
+	$(CLI) voices build --root data
+
+demo: build voices
 	rm -rf $(DEMO_OUT) && mkdir -p $(DEMO_OUT)
 	$(CLI) replay data/Recordings/demo-c172-circuit.vrec --root data --out $(DEMO_OUT)
 	@echo "The pilot's log files are in $(DEMO_OUT)/"

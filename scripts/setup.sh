@@ -7,6 +7,7 @@ packages=(
   cmake g++ make pkg-config
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   zlib1g-dev
+  flite1-dev
 )
 
 missing=()

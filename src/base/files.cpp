@@ -82,6 +82,17 @@ std::string ReadFile(std::string_view path) {
   return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
 }
 
+std::optional<std::string> TryReadFile(std::string_view path) {
+  auto found = FindNoCase(path);
+  std::error_code ec;
+  if (!found || !fs::is_regular_file(*found, ec)) return std::nullopt;
+  std::ifstream in(*found, std::ios::binary);
+  if (!in) return std::nullopt;
+  std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  if (in.bad()) return std::nullopt;
+  return bytes;
+}
+
 bool WriteFileAtomic(std::string_view path, std::string_view bytes) {
   const fs::path target(NativePath(path));
   fs::path tmp = target;

@@ -24,6 +24,9 @@ bool FolderExists(std::string_view path);  // a folder, case ignored
 
 // Whole file as bytes; empty when missing or unreadable.
 std::string ReadFile(std::string_view path);
+// Whole file as bytes, or nullopt when it is missing or cannot be read, so
+// that a caller can tell an empty file from a failed read.
+std::optional<std::string> TryReadFile(std::string_view path);
 
 // Replaces the file with exactly these bytes: written to a temporary file in
 // the same folder and renamed over the old one, so that a crash mid-write

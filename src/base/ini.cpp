@@ -1,5 +1,7 @@
 #include "base/ini.h"
 
+#include <charconv>
+
 #include "base/files.h"
 #include "base/text.h"
 
@@ -38,16 +40,17 @@ std::vector<INIEntry> Parse(std::string_view text, const std::string* wanted, bo
   std::string section;
   int lineNo = 0;
   size_t start = 0;
-  while (start <= text.size()) {
-    size_t end = text.find('\n', start);
+  while (start < text.size()) {
+    // A line ends at CRLF, LF or a lone CR: files edited on different
+    // systems mix them.
+    size_t end = text.find_first_of("\r\n", start);
     if (end == std::string_view::npos) end = text.size();
     ++lineNo;
     const std::string line = RemoveINIComments(text.substr(start, end - start), commaIsComment);
     start = end + 1;
-    if (line.empty()) {
-      if (end == text.size()) break;
-      continue;
-    }
+    if (end < text.size() && text[end] == '\r' && start < text.size() && text[start] == '\n')
+      ++start;
+    if (line.empty()) continue;
     if (line[0] == '[') {
       section = Upper(line);
     } else if (size_t eq = line.find('='); eq != std::string::npos) {
@@ -61,7 +64,6 @@ std::vector<INIEntry> Parse(std::string_view text, const std::string* wanted, bo
         entries.push_back(std::move(e));
       }
     }
-    if (end == text.size()) break;
   }
   return entries;
 }
@@ -95,6 +97,97 @@ INIEntry GetValueFromINI(const std::vector<INIEntry>& entries, std::string_view 
   for (const INIEntry& e : entries)
     if (e.Section == s && e.Key == k) return e;
   return {};
+}
+
+bool WriteINIFile(std::string_view file, std::string_view text) {
+  return WriteFileAtomic(file, text);
+}
+
+std::optional<double> INIValueNumber(std::string_view value) {
+  std::string t = Trim(value);
+  size_t i = 0;
+  if (!t.empty() && (t[0] == '-' || t[0] == '+')) i = 1;
+  bool digit = false, separator = false;
+  for (size_t j = i; j < t.size(); ++j) {
+    char& c = t[j];
+    if (c >= '0' && c <= '9') {
+      digit = true;
+    } else if ((c == '.' || c == ',') && !separator) {
+      separator = true;
+      c = '.';
+    } else {
+      return std::nullopt;
+    }
+  }
+  if (!digit) return std::nullopt;
+  // from_chars takes no "+" and ignores the locale, unlike strtod.
+  const char* first = t.data() + (t[0] == '+' ? 1 : 0);
+  double x = 0;
+  auto [ptr, ec] = std::from_chars(first, t.data() + t.size(), x);
+  if (ec != std::errc() || ptr != t.data() + t.size()) return std::nullopt;
+  return x;
+}
+
+std::string QuoteINIValue(std::string_view value) {
+  std::string v;
+  for (char c : value)
+    if (c != '"') v += c;
+  if (v.find_first_of(";,") != std::string::npos || v.find("//") != std::string::npos)
+    return "\"" + v + "\"";
+  return v;
+}
+
+namespace {
+
+// The lines of a flat file, without their line ends.
+std::vector<std::string> FlatLines(std::string_view text) {
+  std::vector<std::string> lines;
+  size_t start = 0;
+  while (start < text.size()) {
+    size_t end = text.find_first_of("\r\n", start);
+    if (end == std::string_view::npos) end = text.size();
+    lines.emplace_back(text.substr(start, end - start));
+    start = end + 1;
+    if (end < text.size() && text[end] == '\r' && start < text.size() && text[start] == '\n')
+      ++start;
+  }
+  return lines;
+}
+
+bool LineHasKey(std::string_view line, std::string_view upperKeyEq) {
+  return line.size() >= upperKeyEq.size() && Upper(line.substr(0, upperKeyEq.size())) == upperKeyEq;
+}
+
+}  // namespace
+
+std::string LoadAircraftSelection(std::string_view file, std::string_view key,
+                                  std::string_view missing) {
+  const std::string keyEq = Upper(key) + "=";
+  for (const std::string& line : FlatLines(ReadFile(file))) {
+    if (!LineHasKey(line, keyEq)) continue;
+    std::string value = Trim(std::string_view(line).substr(keyEq.size()));
+    if (!INIValueNumber(value)) return std::string(missing);
+    return value;
+  }
+  return std::string(missing);
+}
+
+bool SaveAircraftSelection(std::string_view file, std::string_view key, std::string_view value) {
+  const std::string keyEq = Upper(key) + "=";
+  const std::string newLine = std::string(key) + "=" + std::string(value);
+  std::vector<std::string> lines = FlatLines(ReadFile(file));
+  bool replaced = false;
+  for (std::string& line : lines) {
+    if (LineHasKey(line, keyEq)) {
+      line = newLine;
+      replaced = true;
+      break;
+    }
+  }
+  if (!replaced) lines.push_back(newLine);
+  std::string text;
+  for (const std::string& line : lines) text += line + "\r\n";
+  return WriteFileAtomic(file, text);
 }
 
 }  // namespace vantoro

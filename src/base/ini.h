@@ -3,6 +3,7 @@
 // cannot read it skips.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -37,5 +38,31 @@ std::vector<INIEntry> ParseINIFileSection(std::string_view file, std::string_vie
 // key (any case), or an empty entry.
 INIEntry GetValueFromINI(const std::vector<INIEntry>& entries, std::string_view section,
                          std::string_view key);
+
+// Replaces the file with exactly this text (no line ends added). The text goes
+// to a temporary file that is renamed over the old one, so a failed write
+// leaves the old file whole. False when the file cannot be written.
+bool WriteINIFile(std::string_view file, std::string_view text);
+
+// The number a value holds, or nullopt when it is not numeric: an optional
+// sign, digits and at most one decimal separator, "." or ",". The computer's
+// own decimal separator plays no part, so a file reads alike everywhere.
+std::optional<double> INIValueNumber(std::string_view value);
+
+// A text value as it must be written so that the parser gives it back whole:
+// in double quotes when it holds a ";", a "," or a "//". A double quote
+// itself can never come back, since the parser drops every one, so it is left
+// out; blanks at either end are trimmed by the parser whatever is written.
+std::string QuoteINIValue(std::string_view value);
+
+// Flat "key=value" files without sections (Aircraft.dat). The value after the
+// first line that begins with key and "=" (compared without case), or
+// `missing` when the file or the key is absent or the value is not numeric.
+std::string LoadAircraftSelection(std::string_view file, std::string_view key,
+                                  std::string_view missing = "-1");
+// Rewrites the file whole with "key=value": the first line of that key is
+// replaced, or the line is appended at the end. Lines end in CRLF. False when
+// the file cannot be written.
+bool SaveAircraftSelection(std::string_view file, std::string_view key, std::string_view value);
 
 }  // namespace vantoro

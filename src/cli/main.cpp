@@ -4,6 +4,9 @@
 #include <string_view>
 
 #include "cli/commands.h"
+#include "cli/profile_cmd.h"
+#include "cli/runways_cmd.h"
+#include "cli/voices_cmd.h"
 
 namespace {
 
@@ -11,6 +14,8 @@ struct Command {
   std::string_view name;
   std::string_view usage;
   int (*run)(const vantoro::CommandArgs&, vantoro::CliContext&);
+  // Commands that read the arguments themselves: argv[0] is their name.
+  int (*runArgv)(int argc, char** argv) = nullptr;
 };
 
 constexpr Command kCommands[] = {
@@ -20,6 +25,9 @@ constexpr Command kCommands[] = {
      vantoro::ReplayCommand},
     {"generate", "SCRIPT OUT.vrec[.gz]", vantoro::GenerateCommand},
     {"record", "OUT.vrec[.gz] [--ticks N]", vantoro::RecordCommand},
+    {"voices", "build [--root DIR] [--jobs N]", nullptr, vantoro::VoicesCommand},
+    {"runways", "nearest|airport|import ...", nullptr, vantoro::RunwaysCommand},
+    {"profile", "FILE [--title T] [--monitor]", nullptr, vantoro::ProfileCommand},
 };
 
 void Usage(std::ostream& out) {
@@ -41,8 +49,10 @@ int main(int argc, char** argv) {
     return vantoro::kExitOk;
   }
   const vantoro::CommandArgs args(argv + 2, argv + argc);
-  for (const Command& c : kCommands)
-    if (c.name == name) return c.run(args, cli);
+  for (const Command& c : kCommands) {
+    if (c.name != name) continue;
+    return c.runArgv != nullptr ? c.runArgv(argc - 1, argv + 1) : c.run(args, cli);
+  }
   std::cerr << "vantoro-cli: unknown command '" << name << "'\n";
   Usage(std::cerr);
   return vantoro::kExitBadInput;

@@ -3,6 +3,9 @@
 // them; vantoro-cli fills them from the settings and pilot files.
 #pragma once
 
+#include <cstdint>
+#include <string>
+
 namespace vantoro {
 
 struct EngineOptions {
@@ -17,6 +20,46 @@ struct EngineOptions {
   bool TeachingOn = true;               // teaching remarks wanted
   bool ShowMicState = true;             // show "VNTR Mic:" on the microphone key
   int EndFlightWhen = 0;                // 0 "or Taxiing", 1 "and Brake set", 2 "... Eng(s) off"
+
+  // From the settings file.
+  bool P3DMode = false;      // the Prepar3D build: the FSX folder box holds Prepar3D's
+  std::string FS2002Folder;  // simulator folders, each ending in "\" or empty
+  std::string FS2004Folder;
+  std::string FSXFolder;
+  std::string FlightPlanFolder;        // where flight plans are looked for
+  int32_t TransitionAltitude = 18000;  // feet
+  bool GPSOverridesFlightPlan = false;
+  bool SpokenTips = true;    // first box of chkSpokenTips ("InstantHelp" is SpokenTipsSwitches)
+  bool AviationTips = true;  // second box
+  bool TaxiwayTips = true;   // fourth box
+  int VoiceMode = 0;         // 0 off, 1 on the microphone key, 2 listening at all times
+
+  // From the pilot file (AutoDetectMode... and AnnounceNearestAirport above too).
+  std::string PilotName;
+  std::string PilotFile;  // the current pilot file; his flight log lies beside it
+  bool HaveYokePressure = false;
+  bool RudderController = false;
+  bool WantTaxiInWindAdvice = true;
+  bool MonitorUseOfLights = true;
+  bool WantRandomFailures = false;
+  bool WantLooseWireFailures = false;
+  int32_t FailureSlider = 30;  // reliability, up to 100
+  bool PausePointsLoss = false;
+  bool PauseWarning = true;
+  int32_t PauseGap = 30;
+  bool Basic = false;  // the basic log book instead of the detailed one
+  bool BackgroundSounds = true;
+  bool Humour = true;
+  bool MonGT = true;  // traffic on the ground
+  bool MonAT = true;  // traffic in the air
+  bool AdviceWP = true;
+  bool AdviceVORNDB = true;
+  bool MonitorVOR = true;
+  bool MonitorTaxiways = true;
+  bool InstructorNoticesFailures = true;
+  bool AutoTuneILS = false;
+  bool AutoTuneATIS = false;
+  bool AutoTuneVOR = false;
 };
 
 }  // namespace vantoro

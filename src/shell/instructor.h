@@ -7,6 +7,8 @@
 #include <string>
 
 #include "engine/polling.h"
+#include "shell/pilot.h"
+#include "shell/settings.h"
 
 namespace vantoro {
 
@@ -37,6 +39,8 @@ class Instructor {
   SoundState sound;
   AircraftValues aircraft;
   EngineOptions options;
+  Settings settings;  // the settings page
+  PilotTab pilot;     // the pilot page
   std::string root;
 
  private:

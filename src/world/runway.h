@@ -13,8 +13,8 @@ struct Runway {
   std::string ICAO;
   double Latitude = 0;
   double Longitude = 0;
-  int32_t Heading = 0;  // true heading, degrees
-  double GlideSlope = 3;
+  int16_t Heading = 0;       // true heading, whole degrees 0..360
+  double GlideSlope = 3;     // degrees
   int32_t Elevation = 0;     // feet
   int32_t Width = 0;         // feet
   int32_t Length = 0;        // feet
@@ -29,8 +29,13 @@ struct Runway {
   std::string AirportName;
   int32_t ThresholdOffset = 0;  // feet beyond the co-ordinates, 0..32000
 
+  // Every property into another runway, in the order above.
   void CopyTo(Runway& target) const { target = *this; }
 };
+
+// The flat record of one runway of the detailed airport lookup: the same
+// fields, with Latitude and Longitude read from the file's hemisphere form.
+using RunwayRecord = Runway;
 
 // The runway the flight is to end on.
 struct DestinationRunway {
@@ -38,14 +43,15 @@ struct DestinationRunway {
   Runway runway;
 };
 
+// A radio station of the VOR file (VORs and NDBs), kept in file order.
 struct VORStation {
   std::string Ident;
   std::string Name;
   double Latitude = 0;
   double Longitude = 0;
   int32_t Elevation = 0;
-  double Frequency = 0;
-  int32_t Flag = -1;  // -1 when the file has no seventh field
+  double Frequency = 0;  // MHz for a VOR (116.8), kHz for an NDB (385)
+  int32_t Flag = -1;     // -1 when the file has no seventh field
 };
 
 }  // namespace vantoro

@@ -1,0 +1,11 @@
+// vantoro-cli profile FILE [--title T] [--monitor]: the figures the
+// instructor will hold a pilot to for an aircraft profile.
+#pragma once
+
+namespace vantoro {
+
+// argv[0] is "profile". Prints one "name=value" line per raw profile field and
+// working value; 0 done, 2 bad usage or a file that cannot be read.
+int ProfileCommand(int argc, char** argv);
+
+}  // namespace vantoro

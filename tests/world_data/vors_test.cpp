@@ -1,0 +1,52 @@
+#include "world/vors.h"
+
+#include <gtest/gtest.h>
+
+#include "world_fixture.h"
+
+namespace vantoro {
+namespace {
+
+using testing::ScratchFolder;
+
+TEST(Vors, ReadAndFindInFileOrder) {
+  ScratchFolder dir;
+  const std::string file = dir.Write("VNTRvors.txt",
+                                     "ALD|ALDER VOR-DME|10.5|20.5|500|116.80\r\n"
+                                     "ABC|ABC VOR|10.5|20.5001|510.4|113.20|1\r\n"
+                                     "\r\n"
+                                     "AL|ALDER NDB|12.25|21.75|0|385\n"
+                                     "SHORT|only|3\r\n");
+  WorldState world;
+  EXPECT_EQ(ReadVorData(world, file), "");
+  ASSERT_EQ(world.VORStations.size(), 3u);
+  const VORStation& ald = world.VORStations[0];
+  EXPECT_EQ(ald.Ident, "ALD");
+  EXPECT_EQ(ald.Name, "ALDER VOR-DME");
+  EXPECT_DOUBLE_EQ(ald.Latitude, 10.5);
+  EXPECT_DOUBLE_EQ(ald.Longitude, 20.5);
+  EXPECT_EQ(ald.Elevation, 500);
+  EXPECT_DOUBLE_EQ(ald.Frequency, 116.8);
+  EXPECT_EQ(ald.Flag, -1);
+  EXPECT_EQ(world.VORStations[1].Flag, 1);
+  EXPECT_EQ(world.VORStations[1].Elevation, 510);
+  EXPECT_DOUBLE_EQ(world.VORStations[2].Frequency, 385);
+
+  struct Case {
+    double latitude, longitude, tolerance;
+    const char* found;
+  };
+  const Case cases[] = {
+      {10.5, 20.5, 0.01, "ALD"},        // both inside: the first in the file wins
+      {10.5, 20.5001, 0.00005, "ABC"},  // only the station at the point
+      {10.75, 20.5, 0.25, "none"},      // on the edge of the box is not inside
+      {12.25, 21.75, 0.001, "AL"},     {0, 0, 1, "none"},
+  };
+  for (const Case& c : cases) {
+    const VORStation* s = FindVOR(world, c.latitude, c.longitude, c.tolerance);
+    EXPECT_EQ(s ? s->Ident : "none", c.found) << c.latitude << " " << c.longitude;
+  }
+}
+
+}  // namespace
+}  // namespace vantoro
