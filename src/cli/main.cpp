@@ -1,18 +1,59 @@
-#include <cstdio>
-#include <cstring>
+// vantoro-cli: the instructor without its windows. The first argument names
+// the subcommand; each subcommand is one line of the table below.
+#include <iostream>
+#include <string_view>
 
+#include "cli/commands.h"
 #include "cli/profile_cmd.h"
 #include "cli/runways_cmd.h"
 #include "cli/voices_cmd.h"
 
-// vantoro-cli: one subcommand per first argument.
+namespace {
+
+struct Command {
+  std::string_view name;
+  std::string_view usage;
+  int (*run)(const vantoro::CommandArgs&, vantoro::CliContext&);
+  // Commands that read the arguments themselves: argv[0] is their name.
+  int (*runArgv)(int argc, char** argv) = nullptr;
+};
+
+constexpr Command kCommands[] = {
+    {"replay",
+     "RECORDING [--root DIR] [--pilot FILE] [--out DIR] [--events FILE|-] [--seed N] "
+     "[--instant]",
+     vantoro::ReplayCommand},
+    {"generate", "SCRIPT OUT.vrec[.gz]", vantoro::GenerateCommand},
+    {"record", "OUT.vrec[.gz] [--ticks N]", vantoro::RecordCommand},
+    {"voices", "build [--root DIR] [--jobs N]", nullptr, vantoro::VoicesCommand},
+    {"runways", "nearest|airport|import ...", nullptr, vantoro::RunwaysCommand},
+    {"profile", "FILE [--title T] [--monitor]", nullptr, vantoro::ProfileCommand},
+};
+
+void Usage(std::ostream& out) {
+  out << "usage:\n";
+  for (const Command& c : kCommands) out << "  vantoro-cli " << c.name << ' ' << c.usage << '\n';
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
-  if (argc > 1 && std::strcmp(argv[1], "profile") == 0)
-    return vantoro::ProfileCommand(argc - 1, argv + 1);
-  if (argc > 1 && std::strcmp(argv[1], "runways") == 0)
-    return vantoro::RunwaysCommand(argc - 1, argv + 1);
-  if (argc > 1 && std::strcmp(argv[1], "voices") == 0)
-    return vantoro::VoicesCommand(argc - 1, argv + 1);
-  std::puts("vantoro-cli");
-  return 0;
+  vantoro::CliContext cli{argc > 0 ? argv[0] : "vantoro-cli", std::cout, std::cerr};
+  if (argc < 2) {
+    Usage(std::cerr);
+    return vantoro::kExitBadInput;
+  }
+  const std::string_view name = argv[1];
+  if (name == "--help" || name == "-h" || name == "help") {
+    Usage(std::cout);
+    return vantoro::kExitOk;
+  }
+  const vantoro::CommandArgs args(argv + 2, argv + argc);
+  for (const Command& c : kCommands) {
+    if (c.name != name) continue;
+    return c.runArgv != nullptr ? c.runArgv(argc - 1, argv + 1) : c.run(args, cli);
+  }
+  std::cerr << "vantoro-cli: unknown command '" << name << "'\n";
+  Usage(std::cerr);
+  return vantoro::kExitBadInput;
 }

@@ -1,0 +1,33 @@
+// The subcommands of vantoro-cli. Each lives in its own file and is one line
+// of the dispatcher's table (main.cpp); each reads its arguments, writes to
+// the two streams it is given and returns the program's exit status.
+#pragma once
+
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace vantoro {
+
+inline constexpr int kExitOk = 0;
+inline constexpr int kExitBadInput = 2;  // bad usage or bad input; nothing written
+inline constexpr int kExitFailure = 70;  // the standard failure report
+
+struct CliContext {
+  std::string program;  // path of the running program, as started
+  std::ostream& out;
+  std::ostream& err;
+};
+
+using CommandArgs = std::vector<std::string>;
+
+// The data folder beside the program: the first folder named "data" in the
+// program's folder or above it (in a build tree, the source tree's data/).
+// Empty when there is none.
+std::string DefaultRoot(const CliContext& cli);
+
+int ReplayCommand(const CommandArgs& args, CliContext& cli);
+int GenerateCommand(const CommandArgs& args, CliContext& cli);
+int RecordCommand(const CommandArgs& args, CliContext& cli);
+
+}  // namespace vantoro

@@ -1,0 +1,63 @@
+#include "cli/replay.h"
+
+namespace vantoro {
+
+Replay::Replay(const ReplaySetup& setup, Events& events)
+    : events_(events),
+      link_(image_),
+      audio_{VirtualAudio(setup.instant), VirtualAudio(setup.instant)},
+      random_(setup.seed) {
+  Seams seams;
+  seams.sim = &link_;
+  seams.audio = {&audio_[0], &audio_[1]};
+  seams.events = &events_;
+  seams.clock = &clock_;
+  seams.random = &random_;
+  instructor_ = std::make_unique<Instructor>(setup.root, seams);
+}
+
+void Replay::Step(const RecordingStep& step) {
+  switch (step.kind) {
+    case RecordingStep::Kind::Write:
+      ApplyWrite(image_, step);
+      break;
+    case RecordingStep::Kind::Clock:
+      clock_.Set(step.clock);
+      break;
+    case RecordingStep::Kind::Key:
+      // The pressed key acts in the next tick, as a spoken command would.
+      instructor_->flight.VoiceAction = step.key;
+      break;
+    case RecordingStep::Kind::Say:
+      phrases_.push_back(step.phrase);
+      break;
+    case RecordingStep::Kind::Tick:
+      for (int32_t i = 0; i < step.ticks; ++i) OneTick();
+      break;
+  }
+}
+
+void Replay::OneTick() {
+  // The pilot pressed Connect before the first tick, with the image as the
+  // recording had set it up (the open handshake reads it).
+  if (!connected_) {
+    connected_ = true;
+    instructor_->Connect();
+  }
+  instructor_->Tick();
+  ++ticks_;
+  clock_.AdvanceSeconds(kReplayTickSeconds);
+  for (int i = 0; i < kReplaySoundSteps; ++i) {
+    instructor_->SoundStep();
+    for (VirtualAudio& a : audio_) a.Advance(kReplaySoundStepMs);
+    virtualMs_ += kReplaySoundStepMs;
+  }
+}
+
+int64_t Replay::Run(const Recording& recording) {
+  for (const RecordingStep& step : recording.steps) Step(step);
+  events_.Emit(instructor_->flight.TickCount, "end", {{"ticks", ticks_}});
+  return ticks_;
+}
+
+}  // namespace vantoro

@@ -1,0 +1,69 @@
+// Replay of a recording through a whole instructor, in virtual time: the
+// recording's bytes go into an offset image that an image link serves, sounds
+// "play" on virtual devices for their wave duration, the wall clock stands
+// still except for half a second a tick, and the random draws are seeded.
+// Each tick is one polling tick and then four 125 ms steps of the sound timer.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "base/events.h"
+#include "base/seams.h"
+#include "link/image_link.h"
+#include "link/recording.h"
+#include "shell/instructor.h"
+#include "voice/virtual_audio.h"
+
+namespace vantoro {
+
+inline constexpr int kReplayTickMs = 500;
+inline constexpr int kReplaySoundStepMs = 125;
+inline constexpr int kReplaySoundSteps = 4;
+inline constexpr double kReplayTickSeconds = 0.5;
+
+struct ReplaySetup {
+  std::string root;  // the program's root folder
+  uint64_t seed = 1;
+  bool instant = false;  // every sound plays for 0 s
+};
+
+class Replay {
+ public:
+  Replay(const ReplaySetup& setup, Events& events);
+  Replay(const Replay&) = delete;
+  Replay& operator=(const Replay&) = delete;
+
+  // Runs every step of the recording and emits "end". Returns the ticks run.
+  // A failure report of the instructor passes through to the caller.
+  int64_t Run(const Recording& recording);
+
+  // Virtual time since the first tick, milliseconds.
+  const int64_t& VirtualMs() const { return virtualMs_; }
+  int64_t Ticks() const { return ticks_; }
+  Instructor& instructor() { return *instructor_; }
+  OffsetImage& image() { return image_; }
+  // The phrases the pilot spoke, in order. Voice commands are not part of the
+  // instructor yet, so they are kept here, each before the tick it precedes.
+  const std::vector<std::string>& Phrases() const { return phrases_; }
+
+ private:
+  void Step(const RecordingStep& step);
+  void OneTick();
+
+  Events& events_;
+  OffsetImage image_;
+  ImageLink link_;
+  std::array<VirtualAudio, 2> audio_;
+  FixedClock clock_;
+  SeededRandom random_;
+  std::unique_ptr<Instructor> instructor_;
+  bool connected_ = false;
+  int64_t ticks_ = 0;
+  int64_t virtualMs_ = 0;
+  std::vector<std::string> phrases_;
+};
+
+}  // namespace vantoro

@@ -1,0 +1,193 @@
+// vantoro-cli replay RECORDING [--root DIR] [--pilot FILE] [--out DIR]
+//                              [--events FILE|-] [--seed N] [--instant]
+// Replays a recording through the whole instructor and tells what it did: a
+// transcript, or JSON lines with --events. Everything is checked before
+// anything is written: a bad recording or option ends with status 2.
+#include <charconv>
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+#include <sstream>
+#include <system_error>
+
+#include "base/failure.h"
+#include "base/files.h"
+#include "cli/commands.h"
+#include "cli/event_writers.h"
+#include "cli/replay.h"
+#include "link/recording.h"
+
+namespace fs = std::filesystem;
+
+namespace vantoro {
+
+namespace {
+
+constexpr const char* kDefaultPilot = "PilotRoster/LightSpeed.plt";
+
+struct ReplayArgs {
+  std::string recording;
+  std::string root;
+  std::string pilot;
+  std::string out;
+  std::string events;
+  uint64_t seed = 1;
+  bool instant = false;
+};
+
+bool ParseArgs(const CommandArgs& args, ReplayArgs& r, std::string& error) {
+  for (size_t i = 0; i < args.size(); ++i) {
+    const std::string& a = args[i];
+    auto value = [&](std::string& into) {
+      if (i + 1 >= args.size()) {
+        error = "option " + a + " needs a value";
+        return false;
+      }
+      into = args[++i];
+      return true;
+    };
+    if (a == "--root") {
+      if (!value(r.root)) return false;
+    } else if (a == "--pilot") {
+      if (!value(r.pilot)) return false;
+    } else if (a == "--out") {
+      if (!value(r.out)) return false;
+    } else if (a == "--events") {
+      if (!value(r.events)) return false;
+    } else if (a == "--seed") {
+      std::string text;
+      if (!value(text)) return false;
+      auto [p, ec] = std::from_chars(text.data(), text.data() + text.size(), r.seed);
+      if (text.empty() || ec != std::errc() || p != text.data() + text.size()) {
+        error = "--seed needs a whole number, not '" + text + "'";
+        return false;
+      }
+    } else if (a == "--instant") {
+      r.instant = true;
+    } else if (a.size() > 1 && a[0] == '-' && a != "-") {
+      error = "unknown option '" + a + "'";
+      return false;
+    } else if (r.recording.empty()) {
+      r.recording = a;
+    } else {
+      error = "one recording only ('" + a + "' is one too many)";
+      return false;
+    }
+  }
+  if (r.recording.empty()) {
+    error = "which recording? vantoro-cli replay RECORDING [options]";
+    return false;
+  }
+  return true;
+}
+
+std::string MakeTemporaryFolder() {
+  std::error_code ec;
+  fs::path base = fs::temp_directory_path(ec);
+  if (ec) base = "/tmp";
+  std::string pattern = (base / "vantoro-replay-XXXXXX").string();
+  if (mkdtemp(pattern.data()) == nullptr) return {};
+  return pattern;
+}
+
+}  // namespace
+
+int ReplayCommand(const CommandArgs& args, CliContext& cli) {
+  ReplayArgs a;
+  std::string error;
+  if (!ParseArgs(args, a, error)) {
+    cli.err << "vantoro-cli replay: " << error << '\n';
+    return kExitBadInput;
+  }
+  Recording recording;
+  if (!LoadRecording(a.recording, recording, error)) {
+    cli.err << error << '\n';
+    return kExitBadInput;
+  }
+  std::error_code ec;
+  if (a.root.empty()) a.root = DefaultRoot(cli);
+  if (a.root.empty() || !fs::is_directory(a.root, ec)) {
+    cli.err << "vantoro-cli replay: no program root folder"
+            << (a.root.empty() ? std::string(" beside the program; name one with --root")
+                               : " at " + a.root)
+            << '\n';
+    return kExitBadInput;
+  }
+  std::string pilot = a.pilot;
+  if (pilot.empty()) {
+    const std::string standard = TidyFolder(a.root) + kDefaultPilot;
+    if (FileExists(standard)) {
+      pilot = *FindNoCase(standard);
+    } else {
+      cli.err << "vantoro-cli replay: no pilot file " << NativePath(standard)
+              << "; flying without one\n";
+    }
+  } else if (!FileExists(pilot)) {
+    cli.err << "vantoro-cli replay: no such pilot file " << pilot << '\n';
+    return kExitBadInput;
+  }
+  if (!a.events.empty() && a.events != "-") {
+    const fs::path folder = fs::path(a.events).parent_path();
+    if (!folder.empty() && !fs::is_directory(folder, ec)) {
+      cli.err << "vantoro-cli replay: no folder " << folder.string() << " for the events\n";
+      return kExitBadInput;
+    }
+  }
+
+  // From here on files are written.
+  const bool temporaryOut = a.out.empty();
+  if (temporaryOut) {
+    a.out = MakeTemporaryFolder();
+  } else {
+    fs::create_directories(a.out, ec);
+  }
+  if (a.out.empty() || !fs::is_directory(a.out, ec)) {
+    cli.err << "vantoro-cli replay: cannot make the output folder " << a.out << '\n';
+    return kExitBadInput;
+  }
+  if (!pilot.empty()) {
+    const std::string copy = (fs::path(a.out) / fs::path(pilot).filename()).string();
+    if (!WriteFileAtomic(copy, ReadFile(pilot))) {
+      cli.err << "vantoro-cli replay: cannot copy the pilot file to " << copy << '\n';
+      return kExitBadInput;
+    }
+  }
+
+  std::ostringstream eventsText;
+  EventFanOut fan;
+  JsonLinesWriter json(a.events == "-" ? cli.out : eventsText);
+  if (!a.events.empty()) fan.Add(&json);
+  std::ostream& notes = a.events == "-" ? cli.err : cli.out;
+
+  // The replay and the transcript outlive the try, so that a failure is
+  // told in the same story with the tick it happened in.
+  std::unique_ptr<Replay> replay;
+  std::unique_ptr<Transcript> transcript;
+  int status = kExitOk;
+  auto fail = [&](const FailureReport& f) {
+    cli.err << f.Report() << '\n';
+    fan.Emit(replay ? replay->instructor().flight.TickCount : 0, "error", {{"text", f.Report()}});
+    status = kExitFailure;
+  };
+  try {
+    replay = std::make_unique<Replay>(ReplaySetup{a.root, a.seed, a.instant}, fan);
+    if (a.events.empty()) {
+      transcript = std::make_unique<Transcript>(cli.out, replay->VirtualMs());
+      fan.Add(transcript.get());
+    }
+    replay->Run(recording);
+  } catch (const FailureReport& f) {
+    fail(f);
+  } catch (const std::exception& e) {
+    fail(FailureReport(kErrInvalidCall, e.what(), "Replay"));
+  }
+  if (!a.events.empty() && a.events != "-" && !WriteFileAtomic(a.events, eventsText.str())) {
+    cli.err << "vantoro-cli replay: cannot write the events to " << a.events << '\n';
+    if (status == kExitOk) status = kExitBadInput;
+  }
+  if (temporaryOut) notes << "The pilot's log files are in " << a.out << '\n';
+  cli.out.flush();
+  return status;
+}
+
+}  // namespace vantoro
