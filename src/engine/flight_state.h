@@ -53,6 +53,7 @@ struct FlightState {
   bool HasTouchedDown = false;
   int32_t GroundLatch = 0;
   int32_t TouchdownArmed = 0;
+  bool TouchAndGoInProgress = false;  // the flight is being closed by a touch-and-go
   bool GoAroundEndFlight = false;
   bool PreviousGoAroundEndFlight = false;
   int32_t LevelFlightTicks = 0;

@@ -12,8 +12,12 @@
 #include "engine/options.h"
 #include "link/simlink.h"
 #include "link/snapshot.h"
+#include "records/approach_ratings.h"
+#include "records/scores.h"
 #include "voice/sound_queue.h"
 #include "world/aircraft.h"
+#include "world/flight_plan.h"
+#include "world/runways.h"
 
 namespace vantoro {
 
@@ -24,6 +28,10 @@ struct Cockpit {
   FlightState& flight;
   SoundState& sound;
   AircraftValues& aircraft;
+  WorldState& world;
+  FlightPlan& plan;
+  ScoreState& scores;
+  ApproachRatings& approach;
   const EngineOptions& options;
   SimLink& sim;
   std::array<AudioOut*, 2> audio;

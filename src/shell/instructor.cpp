@@ -15,8 +15,9 @@ Instructor::Instructor(std::string rootFolder, Seams seams)
 }
 
 Cockpit Instructor::cockpit() {
-  return Cockpit{link,        flight,       sound,          aircraft,      options,
-                 *seams_.sim, seams_.audio, *seams_.events, *seams_.clock, *seams_.random};
+  return Cockpit{link,         flight,         sound,         aircraft,      world,
+                 plan,         scores,         approach,      options,       *seams_.sim,
+                 seams_.audio, *seams_.events, *seams_.clock, *seams_.random};
 }
 
 bool Instructor::Connect() {

@@ -43,6 +43,10 @@ class Instructor {
   FlightState flight;
   SoundState sound;
   AircraftValues aircraft;
+  WorldState world;
+  FlightPlan plan;
+  ScoreState scores;
+  ApproachRatings approach;
   EngineOptions options;
   Settings settings;  // the settings page
   PilotTab pilot;     // the pilot page
