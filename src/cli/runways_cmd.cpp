@@ -11,6 +11,8 @@
 #include "base/files.h"
 #include "base/numbers.h"
 #include "base/text.h"
+#include "cli/commands.h"
+#include "cli/event_writers.h"
 #include "world/geo.h"
 #include "world/runway_queries.h"
 #include "world/runways.h"
@@ -36,52 +38,6 @@ int Usage(std::string_view problem = {}) {
   if (!problem.empty()) std::cerr << "runways: " << problem << "\n";
   std::cerr << kUsage;
   return kBadUsage;
-}
-
-// The program's root folder when none is given: the "data" folder beside the
-// program, looked for from the program's own folder upwards.
-std::string DefaultRoot() {
-  std::error_code ec;
-  fs::path exe = fs::read_symlink("/proc/self/exe", ec);
-  fs::path dir = ec ? fs::current_path(ec) : exe.parent_path();
-  for (fs::path p = dir; !p.empty(); p = p.parent_path()) {
-    if (fs::is_directory(p / kWorldFolder, ec)) return p.string();
-    if (fs::is_directory(p / "data" / kWorldFolder, ec)) return (p / "data").string();
-    if (p == p.parent_path()) break;
-  }
-  return "data";
-}
-
-std::string JsonString(std::string_view s) {
-  std::string out = "\"";
-  for (char c : s) {
-    switch (c) {
-      case '"':
-        out += "\\\"";
-        break;
-      case '\\':
-        out += "\\\\";
-        break;
-      case '\n':
-        out += "\\n";
-        break;
-      case '\r':
-        out += "\\r";
-        break;
-      case '\t':
-        out += "\\t";
-        break;
-      default:
-        if (static_cast<unsigned char>(c) < 0x20) {
-          char buf[8];
-          std::snprintf(buf, sizeof buf, "\\u%04x", c);
-          out += buf;
-        } else {
-          out += c;
-        }
-    }
-  }
-  return out + "\"";
 }
 
 // One runway as a JSON object, its properties by name in the record's order.
@@ -156,7 +112,10 @@ class Options {
     return true;
   }
   void World(WorldChoice& w) {
-    if (!Take("--root", w.Root)) w.Root = DefaultRoot();
+    if (!Take("--root", w.Root)) {
+      CliContext cli{"", std::cout, std::cerr};
+      w.Root = DefaultRoot(cli);
+    }
     Take("--sim", w.Sim);
     Take("--sim-folder", w.SimFolder);
   }
