@@ -12,7 +12,7 @@
 namespace vantoro {
 namespace {
 
-const std::string kWorld = std::string(VANTORO_SOURCE_DIR) + "/data/World/FSX.RWY.gz";
+const std::string kWorld = std::string(VANTORO_SOURCE_DIR) + "/data/World/World.RWY.gz";
 
 // A line of /proc/self/status in megabytes ("VmRSS", "VmHWM").
 double StatusMegabytes(const std::string& key) {

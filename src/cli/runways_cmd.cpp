@@ -219,13 +219,11 @@ int Import(int argc, char** argv) {
   std::error_code ec;
   fs::create_directories(NativePath(out), ec);
   // Plain files named as a simulator's folder holds them, or the delivered
-  // world: one compressed runway file per simulator name, and the VOR file.
+  // world: the compressed runway file that every simulator's name resolves
+  // to, and the VOR file.
   std::vector<std::pair<std::string, std::string>> files;
   if (ship) {
-    const std::string runways = GzipText(world.RunwayText);
-    for (std::string_view sim : kWorldSimulators)
-      files.emplace_back(out + std::string(sim) + std::string(kRunwayFileExtension) + ".gz",
-                         runways);
+    files.emplace_back(out + std::string(kWorldRunwayFile) + ".gz", GzipText(world.RunwayText));
     files.emplace_back(out + std::string(kVorFile) + ".gz", GzipText(world.VorText));
   } else {
     files.emplace_back(out + std::string(kUserRunwayFile), world.RunwayText);

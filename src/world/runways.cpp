@@ -361,6 +361,9 @@ RunwayFileChoice GetRunwayFile(std::string_view root, std::string_view simFolder
       std::string(root) + "\\" + std::string(simName) + std::string(kRunwayFileExtension);
   choice.Path = ResolveWorldFile(candidate2, root);
   if (choice.Path.empty())
+    choice.Path = ExistingPlainOrGz(TidyFolder(root) + std::string(kWorldFolder) + "\\" +
+                                    std::string(kWorldRunwayFile));
+  if (choice.Path.empty())
     choice.Message = "Vantoro runway data file is missing!\n\nFile: " + candidate2;
   return choice;
 }

@@ -38,6 +38,10 @@ inline constexpr std::string_view kRunwayFileExtension = ".RWY";
 inline constexpr std::string_view kVorFile = "VNTRvors.txt";
 // The folder below the root where the delivered world files lie compressed.
 inline constexpr std::string_view kWorldFolder = "World";
+// The delivered world's runway file in that folder: every simulator's
+// delivered runway file ("FSX.RWY") resolves to it when the root holds none
+// of that name.
+inline constexpr std::string_view kWorldRunwayFile = "World.RWY";
 
 inline constexpr int kRunwayFields = 21;
 inline constexpr int kMaxHeading = 360;

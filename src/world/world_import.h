@@ -11,11 +11,6 @@
 
 namespace vantoro {
 
-// Simulator names whose delivered runway file ("FSX.RWY") is the imported
-// world: the simulators the instructor connects to.
-inline constexpr std::array<std::string_view, 4> kWorldSimulators = {"FS2002", "FS2004", "FSX",
-                                                                     "P3D"};
-
 struct WorldImport {
   std::string RunwayText;  // the runway file, "\r\n" line ends
   std::string VorText;     // the VOR file, "\r\n" line ends

@@ -89,7 +89,7 @@ TEST(WorldImport, ImportedWorldLoads) {
   ASSERT_TRUE(world.Errors.empty());
   EXPECT_EQ(world.RunwayText,
             ImportWorld(kData + "mini.apt.dat", kData + "mini.nav.dat").RunwayText);
-  dir.Write("World\\FSX.RWY.gz", GzipText(world.RunwayText));
+  dir.Write("World\\World.RWY.gz", GzipText(world.RunwayText));
   dir.Write("World\\VNTRvors.txt.gz", GzipText(world.VorText));
 
   WorldState loaded;

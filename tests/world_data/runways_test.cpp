@@ -158,14 +158,13 @@ TEST(RunwayFile, ChoiceOfFile) {
   EXPECT_EQ(none.Path, "");
   EXPECT_EQ(none.Message, missing);
 
-  // The delivered world in the root's World folder counts for candidate 2,
-  // and a file of that name beside the root wins over it.
-  dir.Write("root\\World\\FSX.RWY.gz", GzipText(RunwayLine()));
-  const std::string shipped = root + "\\World\\FSX.RWY.gz";
+  // The delivered world in the root's World folder answers for every
+  // simulator, and a file of the simulator's name beside the root wins over it.
+  dir.Write("root\\World\\World.RWY.gz", GzipText(RunwayLine()));
+  const std::string shipped = root + "\\World\\World.RWY.gz";
   EXPECT_EQ(GetRunwayFile(root, sim, "FSX").Path, shipped);
   EXPECT_EQ(GetRunwayFile(root, "", "FSX").Path, shipped);
-  EXPECT_EQ(GetRunwayFile(root, sim, "FS2004").Message,
-            "Vantoro runway data file is missing!\n\nFile: " + root + "\\FS2004.RWY");
+  EXPECT_EQ(GetRunwayFile(root, sim, "FS2004").Path, shipped);
   dir.Write("root\\fsx.rwy", RunwayLine());
   EXPECT_EQ(GetRunwayFile(root, sim, "FSX").Path, root + "\\FSX.RWY");
 
