@@ -6,6 +6,7 @@
 #include "engine/polling.h"
 
 #include "base/numbers.h"
+#include "engine/cruise.h"
 #include "engine/tick_rules.h"
 #include "world/geo.h"
 
@@ -123,8 +124,10 @@ void ProcessTick(Cockpit& c) {
   // Voice actions (VoiceHotKeyAction), the NAV1 retune announcement,
   // transponder messages, instrument advice on taxi, the aircraft's start-up,
   // fuel, door, pump, lights and COM1-emergency rules run here.
-  // Flight plan help, the cruising-with-flaps check, navigation advice, engine
-  // loss announcements, chatter and the piston mixture rules run here.
+  // Flight plan help runs here.
+  CruisingWithFlaps(c);
+  // Navigation advice, engine loss announcements, chatter and the piston
+  // mixture rules run here.
   AutoDetectCruise(c);
   AutoDetectLanding(c);
   // Traffic is called out here (ProcessTCASGround, ProcessTCASAir).
@@ -144,8 +147,14 @@ void ProcessTick(Cockpit& c) {
     TaxiSpeedTakeOff(c);
   } else if (f.GroundLatch != 1) {
     // Random failures, the fuel leak and the waypoints run here; then the
-    // circuit monitors and the flight monitors of the cruise, the approach and
-    // the landing (limits, stalls, gear, flaps, descent).
+    // circuit monitors.
+    AttitudeAndLoadLimits(c);
+    StallWarnings(c);
+    // The approach and landing rules run here (approach monitors).
+    LowerGearAdvice(c);
+    GearAndNeverExceedSpeeds(c);
+    // The flap speed rules run here (aircraft procedures).
+    ClimbOutRules(c);
     TooLowSetsLanding(c);
     if (link.Before().OnGround > 0 && now.OnGround > 0) TouchdownTest(c);
   }
