@@ -71,17 +71,5 @@ TEST(RecordLive, EveryEndLeavesACompleteRecordingThatReplaysTheFlight) {
   }
 }
 
-TEST(RecordLive, NoSimulatorNoFile) {
-  TempFolder dir;
-  OffsetImage sim;
-  ImageLink link(sim);
-  link.failOpenWith = kLinkNoServer;
-  FixedClock clock;
-  std::ostringstream err;
-  EXPECT_EQ(RecordLive(link, clock, dir.Root() + "x.vrec", {}, err), 2);
-  EXPECT_EQ(err.str(), "vantoro-cli record: Cannot link to FSUIPC or WideClient\n");
-  EXPECT_TRUE(fs::is_empty(dir.Root()));
-}
-
 }  // namespace
 }  // namespace vantoro

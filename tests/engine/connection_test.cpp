@@ -1,7 +1,5 @@
-#include "engine/connection.h"
 
 #include <fstream>
-#include <optional>
 
 #include "engine/flight_rig.h"
 
@@ -109,7 +107,8 @@ TEST(Connection, ConnectIsRefusedWithoutAPilotFileOrWithAMissingFolder) {
       {.name = "new pilot", .unsavedPilot = true, .refusal =
            "You must load an existing pilot's data\nor save the current pilot data\n"
            "before attempting to fly."},
-      {.name = "fsx", .fsx = "missing", .refusal = "The specified FSX folder does not exist!"},
+      {.name = "fsx", .fs2004 = "there", .fsx = "missing",
+       .refusal = "The specified FSX folder does not exist!"},
       {.name = "first missing wins", .fs2002 = "missing", .fsx = "missing",
        .refusal = "The specified FS2002 folder does not exist!"},
       {.name = "fs2004", .fs2002 = "there", .fs2004 = "missing",
@@ -140,28 +139,6 @@ TEST(Connection, ConnectIsRefusedWithoutAPilotFileOrWithAMissingFolder) {
     EXPECT_EQ(connected, row.refusal.empty());
     EXPECT_EQ(rig.flight().UserConnected, row.refusal.empty());
     EXPECT_EQ(rig.Queued().empty(), !row.refusal.empty());
-  }
-}
-
-TEST(Connection, TheRunningSimulatorsFolder) {
-  EngineOptions o;
-  o.FS2002Folder = "C:\\FS2002\\";
-  o.FS2004Folder = "D:\\FS9\\";
-  o.FSXFolder = "E:\\FSX\\";
-  struct Row {
-    bool p3d;
-    std::string sim;
-    std::optional<std::string> folder;
-  };
-  const std::vector<Row> rows = {
-      {false, "FS2002", "C:\\FS2002\\"}, {false, "FS2004", "D:\\FS9\\"},
-      {false, "FSX", "E:\\FSX\\"},       {false, "P3D", std::nullopt},
-      {false, "CFS2", std::nullopt},     {true, "P3D", "E:\\FSX\\"},
-      {true, "FSX", std::nullopt},       {false, "", std::nullopt},
-  };
-  for (const Row& row : rows) {
-    o.P3DMode = row.p3d;
-    EXPECT_EQ(GetRunningFS(o, row.sim), row.folder) << row.sim << (row.p3d ? " (P3D build)" : "");
   }
 }
 
