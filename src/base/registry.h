@@ -1,8 +1,10 @@
 // The system registry, where the installed simulators leave their folders.
-// Only Windows has one: the Windows link provides the real look-up, every
-// other platform uses NoRegistry, and the pilot fills the folder boxes by hand.
+// Only Windows has one: MakePlatformRegistry gives the real look-up there;
+// every other platform has NoRegistry, and the pilot fills the folder boxes
+// by hand.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -30,5 +32,8 @@ class NoRegistry final : public Registry {
     return std::string(fallback);
   }
 };
+
+// The registry of the platform the program runs on.
+std::unique_ptr<Registry> MakePlatformRegistry();
 
 }  // namespace vantoro

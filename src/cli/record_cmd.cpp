@@ -1,13 +1,98 @@
 // vantoro-cli record OUT.vrec[.gz] [--ticks N]
-// Records the simulator's offsets twice a second into a recording. The live
-// simulator links belong to their platforms (the Windows client); this build
-// has none, so the command finds no simulator to record from.
-#include <charconv>
+// Records the simulator's offsets twice a second through the platform's live
+// link. Where no simulator can be linked to, the link's own text says so.
+#include "cli/record_cmd.h"
 
+#include <charconv>
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <thread>
+
+#include "base/files.h"
+#include "base/text.h"
 #include "cli/commands.h"
-#include "link/simlink.h"
+#include "link/platform_link.h"
+#include "link/recording.h"
 
 namespace vantoro {
+
+namespace {
+
+constexpr auto kTickPeriod = std::chrono::milliseconds(500);
+
+// Ctrl+C asks the recording to end at the next tick. A signal handler can
+// reach nothing else than a flag of the process.
+volatile std::sig_atomic_t stopAsked = 0;
+
+extern "C" void AskToStop(int) {
+  stopAsked = 1;
+}
+
+}  // namespace
+
+int RecordLive(SimLink& link, const Clock& clock, const std::string& out,
+               const RecordPacing& pacing, std::ostream& err) {
+  int result = kLinkOk;
+  if (!link.Open(0, result)) {
+    err << "vantoro-cli record: " << LinkResultText(result) << '\n';
+    return kExitBadInput;
+  }
+  const std::string part = out + ".part";
+  std::ofstream file(part, std::ios::binary | std::ios::trunc);
+  if (!file) {
+    link.Close();
+    err << "vantoro-cli record: cannot write " << part << '\n';
+    return kExitBadInput;
+  }
+
+  RecordingWriter writer;
+  size_t written = 0;
+  // What the writer added since the last call goes to the disk at once.
+  auto keep = [&] {
+    file.write(writer.Text().data() + written,
+               static_cast<std::streamsize>(writer.Text().size() - written));
+    file.flush();
+    written = writer.Text().size();
+    return static_cast<bool>(file);
+  };
+
+  writer.Clock(clock.Now());
+  bool ok = keep();
+  int failures = 0;
+  int64_t ticks = 0;
+  while (ok && (pacing.maxTicks <= 0 || ticks < pacing.maxTicks)) {
+    if (pacing.nextTick && !pacing.nextTick()) break;
+    if (writer.Sample(link, result)) {
+      failures = 0;
+      ++ticks;
+    } else if (++failures >= kRecordFailuresGone) {
+      writer.Comment(std::string("The simulator went away: ") + LinkResultText(result));
+      ok = keep();
+      break;
+    }
+    ok = keep();
+  }
+  link.Close();
+  file.close();
+
+  std::error_code ec;
+  if (ok && EndsWith(Upper(out), ".GZ")) {
+    ok = WriteFileAtomic(out, Gzip(writer.Text()));
+    if (ok) std::filesystem::remove(part, ec);
+  } else if (ok) {
+    std::filesystem::rename(part, out, ec);
+    ok = !ec;
+  }
+  if (!ok) {
+    err << "vantoro-cli record: cannot write " << out << "; the ticks taken are in " << part
+        << '\n';
+    return kExitBadInput;
+  }
+  err << "vantoro-cli record: " << ticks << " ticks in " << out << '\n';
+  return kExitOk;
+}
 
 int RecordCommand(const CommandArgs& args, CliContext& cli) {
   std::string out;
@@ -35,9 +120,22 @@ int RecordCommand(const CommandArgs& args, CliContext& cli) {
     cli.err << "vantoro-cli record: usage: vantoro-cli record OUT.vrec[.gz] [--ticks N]\n";
     return kExitBadInput;
   }
-  // No live link in this build: nothing is opened and nothing written.
-  cli.err << "vantoro-cli record: " << LinkResultText(kLinkNoServer) << '\n';
-  return kExitBadInput;
+
+  std::unique_ptr<SimLink> link = MakePlatformLink();
+  SystemClock clock;
+  stopAsked = 0;
+  std::signal(SIGINT, AskToStop);
+  auto next = std::chrono::steady_clock::now();
+  RecordPacing pacing;
+  pacing.maxTicks = ticks;
+  pacing.nextTick = [&] {
+    std::this_thread::sleep_until(next);
+    next += kTickPeriod;
+    return stopAsked == 0;
+  };
+  const int status = RecordLive(*link, clock, out, pacing, cli.err);
+  std::signal(SIGINT, SIG_DFL);
+  return status;
 }
 
 }  // namespace vantoro

@@ -1,12 +1,15 @@
 // The connection to the simulator: opening the link with its version checks,
 // the pilot's Connect and Disconnect, automatic disconnection and the status
 // line.
+#include "engine/connection.h"
+
 #include <string>
 
 #include "base/files.h"
 #include "engine/tick_rules.h"
 #include "records/flight_stats.h"
 #include "world/profiles.h"
+#include "world/vors.h"
 
 namespace vantoro {
 
@@ -35,7 +38,53 @@ bool SimulatorSupported(int code, bool p3dMode) {
   return code >= kSimFS2002 && code <= kSimFSX;
 }
 
+// A message box of the program, as the observers see it.
+void ShowNotice(Cockpit& c, std::string_view text) {
+  c.events.Emit(c.flight.TickCount, "notice", {{"text", text}});
+}
+
+bool NamedButMissing(const std::string& folder) {
+  return !folder.empty() && !FolderExists(folder);
+}
+
 }  // namespace
+
+std::string PilotRefusal(const EngineOptions& options) {
+  if (!options.PilotUnsaved) return {};
+  std::string text;
+  for (const char* line : kNoPilotLines) text += (text.empty() ? "" : "\n") + std::string(line);
+  return text;
+}
+
+std::string FolderRefusal(const EngineOptions& o) {
+  // In the Prepar3D build the FSX row holds Prepar3D's folder.
+  if (o.P3DMode) return NamedButMissing(o.FSXFolder) ? kP3DFolderMissing : "";
+  if (NamedButMissing(o.FS2002Folder)) return kFS2002FolderMissing;
+  if (NamedButMissing(o.FS2004Folder)) return kFS2004FolderMissing;
+  if (NamedButMissing(o.FSXFolder)) return kFSXFolderMissing;
+  return {};
+}
+
+std::optional<std::string> GetRunningFS(const EngineOptions& o, std::string_view simName) {
+  if (o.P3DMode) {
+    if (simName == "P3D") return o.FSXFolder;
+    return std::nullopt;
+  }
+  if (simName == "FS2002") return o.FS2002Folder;
+  if (simName == "FS2004") return o.FS2004Folder;
+  if (simName == "FSX") return o.FSXFolder;
+  return std::nullopt;
+}
+
+void LoadWorldWhenEmpty(Cockpit& c) {
+  const FlightState& f = c.flight;
+  if (c.world.RunwaysLoaded() || !f.Connected || f.SimulatorName.empty()) return;
+  // A simulator the program keeps no folder for still has the delivered world.
+  const std::string folder = GetRunningFS(c.options, f.SimulatorName).value_or("");
+  const std::string message =
+      LoadRunwaysAndVORs(c.world, c.sound.SoundRoot, folder, f.SimulatorName);
+  if (!message.empty()) ShowNotice(c, message);
+}
 
 std::string LinkVersionText(uint32_t version) {
   std::string text;
@@ -95,11 +144,17 @@ bool FSConnect(Cockpit& c) {
   // restarted simulator is placed before its jumps count.
   c.link.WarmUpTicks = 0;
   SetStatus(c, "Status: Monitoring " + f.SimulatorName + "       [Vantoro v" VANTORO_VERSION "]");
+  // A pilot who pressed Connect before the simulator ran gets its world now.
+  if (f.UserConnected) LoadWorldWhenEmpty(c);
   return true;
 }
 
 bool ConnectToFS(Cockpit& c) {
   FlightState& f = c.flight;
+  if (const std::string refusal = PilotRefusal(c.options); !refusal.empty()) {
+    ShowNotice(c, refusal);
+    return false;
+  }
   SetupAircraftValues(c.aircraft);
 
   // A new connection begins with a clean slate of flights.
@@ -125,7 +180,17 @@ bool ConnectToFS(Cockpit& c) {
   f.LevelFlightTicks = 0;
   f.DescentTicks = 0;
   f.LandingData = {};
+  f.Runways.NearestRunway = nullptr;
+  f.Runways.LandingRunway = nullptr;
+  f.Runways.RunwayHeadingRelative = 0;
   SetFlightMode(c, FlightMode::None);
+
+  if (const std::string refusal = FolderRefusal(c.options); !refusal.empty()) {
+    ShowNotice(c, refusal);
+    return false;
+  }
+  LoadWorldWhenEmpty(c);
+
   // The six touchdown counters of the landing evaluation are cleared here.
 
   f.UserConnected = true;
@@ -161,7 +226,7 @@ void DisconnectFromFS(Cockpit& c, int reason, std::string_view cause) {
     if (line.empty()) continue;
     notice += (notice.empty() ? "" : "\n") + line;
   }
-  if (!notice.empty()) c.events.Emit(f.TickCount, "notice", {{"text", notice}});
+  if (!notice.empty()) ShowNotice(c, notice);
 }
 
 void AutoDisconnect(Cockpit& c, std::string_view cause) {

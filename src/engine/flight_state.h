@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 
+#include "engine/runway_choice.h"
 #include "engine/stats_view.h"
 #include "link/fsdata.h"
 #include "records/clocks.h"
@@ -95,6 +96,9 @@ struct FlightState {
   const FlightStats& Flight() const { return Flights[static_cast<size_t>(CurrentFlight)]; }
 
   Clocks clocks;
+
+  // The nearest and the landing runway of the world data.
+  RunwayChoice Runways;
 };
 
 }  // namespace vantoro

@@ -36,6 +36,8 @@ struct EngineOptions {
   // From the pilot file (AutoDetectMode... and AnnounceNearestAirport above too).
   std::string PilotName;
   std::string PilotFile;  // the current pilot file; his flight log lies beside it
+  // A new pilot not yet saved to a file: Connect is refused until he is.
+  bool PilotUnsaved = false;
   bool HaveYokePressure = false;
   bool RudderController = false;
   bool WantTaxiInWindAdvice = true;

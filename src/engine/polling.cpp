@@ -94,18 +94,17 @@ void ProcessTick(Cockpit& c) {
   if (f.TickCount % kTrackEveryTicks == 0) UpdateTrack(c);
 
   SpokenSwitchTips(c);
+  AnnounceNearestAirport(c);
 
   UpdateStats(f, now);
 
-  // Every 32nd tick the close runways are found here (FillCloseRunways,
-  // FindClosestRunway).
+  FindCloseRunways(c);
 
   f.PreviousModes = f.Modes;
 
   HotKeysAct(c);
 
-  // With a runway database the landing runway is picked again below 500 feet,
-  // and the runway's relative bearing refreshed, here (runways).
+  PickLandingRunway(c);
 
   // The gate: replay, crash, pause, menus and loading freeze the monitors.
   if (AtTheGate(f, now)) return;

@@ -175,3 +175,30 @@ TEST_F(Cli, DemoFliesTheCircuitThroughEveryMode) {
 
 }  // namespace
 }  // namespace vantoro
+
+namespace vantoro {
+namespace {
+
+TEST(Replay, TheDeliveredWorldIsLoadedAtConnectAndTheNearestRunwayFound) {
+  Recording r;
+  std::string error;
+  // On the ground at New York's Kennedy airport, near the end of runway 22R.
+  ASSERT_TRUE(ParseRecording("r",
+                             "vantoro-recording 1\n"
+                             "u8 0366 1\n"
+                             "i64 0560 19402330434000212\n"
+                             "i64 0568 -3780045306437648896\n"
+                             "tick 32\n",
+                             r, error))
+      << error;
+  EventLog log;
+  Replay replay(ReplaySetup{testing::DataRoot(), 1, true}, log);
+  replay.Run(r);
+  const FlightState& f = replay.instructor().flight;
+  ASSERT_NE(f.Runways.NearestRunway, nullptr);
+  EXPECT_EQ(f.Runways.NearestRunway->ICAO + " " + f.Runways.NearestRunway->Number, "KJFK 22R");
+  for (const Event& e : log.events) EXPECT_NE(e.type, "notice") << e.Text("text");
+}
+
+}  // namespace
+}  // namespace vantoro

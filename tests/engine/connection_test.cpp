@@ -1,3 +1,4 @@
+
 #include <fstream>
 
 #include "engine/flight_rig.h"
@@ -78,6 +79,67 @@ TEST(Connection, TenFailedReadsDropTheLinkAndTheTickOpensItAgain) {
   EXPECT_EQ(rig.flight().TickCount, ticks + 1);
   EXPECT_EQ(rig.flight().Stats.LinkStatus, "OK");
   EXPECT_EQ(rig.Disconnects(), "");
+}
+
+}  // namespace
+}  // namespace vantoro
+
+namespace vantoro {
+namespace {
+
+std::string MakeFolder(const std::filesystem::path& p) {
+  std::filesystem::create_directories(p);
+  return p.string() + "/";
+}
+
+TEST(Connection, ConnectIsRefusedWithoutAPilotFileOrWithAMissingFolder) {
+  struct Row {
+    std::string name{};
+    bool unsavedPilot = false, p3d = false;
+    // "missing": a folder named but not there; "there": an existing folder.
+    std::string fs2002{}, fs2004{}, fsx{};
+    std::string refusal{};  // the message box, "" when the pilot may fly
+  };
+  // clang-format off
+  const std::vector<Row> rows = {
+      {.name = "nothing named"},
+      {.name = "folders there", .fs2002 = "there", .fs2004 = "there", .fsx = "there"},
+      {.name = "new pilot", .unsavedPilot = true, .refusal =
+           "You must load an existing pilot's data\nor save the current pilot data\n"
+           "before attempting to fly."},
+      {.name = "fsx", .fs2004 = "there", .fsx = "missing",
+       .refusal = "The specified FSX folder does not exist!"},
+      {.name = "first missing wins", .fs2002 = "missing", .fsx = "missing",
+       .refusal = "The specified FS2002 folder does not exist!"},
+      {.name = "fs2004", .fs2002 = "there", .fs2004 = "missing",
+       .refusal = "The specified FS2004 folder does not exist!"},
+      {.name = "p3d", .p3d = true, .fsx = "missing",
+       .refusal = "The specified P3D folder does not exist!"},
+      {.name = "p3d keeps no other folder", .p3d = true, .fs2002 = "missing", .fsx = "there"},
+  };
+  // clang-format on
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.name);
+    FlightRig rig;
+    if (row.p3d) rig.image.SetU32(0x3308, 0xFADE000A);  // Prepar3D on the link
+    EngineOptions& o = rig.instructor.options;
+    o.P3DMode = row.p3d;
+    o.PilotUnsaved = row.unsavedPilot;
+    auto folder = [&](const std::string& kind, const char* name) {
+      if (kind == "there") return MakeFolder(rig.dir_ / name);
+      return kind.empty() ? std::string() : (rig.dir_ / name).string() + "/";
+    };
+    o.FS2002Folder = folder(row.fs2002, "FS2002");
+    o.FS2004Folder = folder(row.fs2004, "FS2004");
+    o.FSXFolder = folder(row.fsx, "FSX");
+    const bool connected = rig.instructor.Connect();
+    const std::string notices = rig.Texts("notice", "text");
+    // The missing world is told too; the refusal comes first.
+    EXPECT_EQ(notices.substr(0, row.refusal.size()), row.refusal);
+    EXPECT_EQ(connected, row.refusal.empty());
+    EXPECT_EQ(rig.flight().UserConnected, row.refusal.empty());
+    EXPECT_EQ(rig.Queued().empty(), !row.refusal.empty());
+  }
 }
 
 }  // namespace

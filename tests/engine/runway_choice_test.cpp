@@ -1,0 +1,136 @@
+#include <fstream>
+
+#include "base/files.h"
+#include "engine/flight_rig.h"
+
+namespace vantoro {
+namespace {
+
+// One runway end in the world file's form: 21 fields, co-ordinates in both
+// forms (the decimal ones are those read).
+std::string RunwayLine(const std::string& number, int heading, double lat, double lon,
+                       const std::string& icao, int length = 6000) {
+  char line[512];
+  std::snprintf(line, sizeof line,
+                "%s|%d|N47_15_00|E011_20_00|3|%s.%s|1900|%d|150|||ASPHALT|126.00|0|0|0|"
+                "City|Airfield|0|%.6f|%.6f\r\n",
+                number.c_str(), heading, icao.c_str(), number.c_str(), length, lat, lon);
+  return line;
+}
+
+void WriteFile(const std::filesystem::path& p, const std::string& text) {
+  std::filesystem::create_directories(p.parent_path());
+  std::ofstream(p, std::ios::binary) << text;
+}
+
+// West of the aircraft's start on the same parallel: runway 26 of LOWI far
+// away, and nearer, the other end of the runway, which faces the other way.
+const std::string kValley = RunwayLine("26", 265, 47.25, 11.30, "LOWI") +
+                            RunwayLine("08", 85, 47.25, 11.36, "LOWI") +
+                            RunwayLine("08R", 80, 48.35, 11.78, "EDDM");
+
+TEST(RunwayChoice, TheWorldLoadsAtConnectionFromTheUsersFileFirst) {
+  struct Row {
+    std::string name;
+    bool rootFile = false, userFile = false;
+    std::string from;    // the file the runways came from, by name; "" for none
+    std::string notice;  // start of what the pilot is told
+  };
+  const std::vector<Row> rows = {
+      {"delivered world", true, false, "FSX.RWY", ""},
+      {"user's own file wins", true, true, "VNTR2011.TXT", ""},
+      {"no file", false, false, "", "Vantoro runway data file is missing!"},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.name);
+    FlightRig rig;
+    if (row.rootFile) WriteFile(rig.dir_ / "FSX.RWY", kValley);
+    rig.instructor.options.FSXFolder = (rig.dir_ / "FSX").string() + "/";
+    std::filesystem::create_directories(rig.dir_ / "FSX");
+    if (row.userFile)
+      WriteFile(rig.dir_ / "FSX" / "VNTR2011.TXT", RunwayLine("27", 270, 1, 2, "X"));
+    EXPECT_TRUE(rig.instructor.Connect());
+    EXPECT_EQ(GetFileName(rig.instructor.world.RunwayFile), row.from);
+    EXPECT_EQ(rig.Texts("notice", "text").substr(0, row.notice.size()), row.notice);
+  }
+}
+
+// Connected east of the valley's runways, which the world file holds.
+class Valley {
+ public:
+  explicit Valley(bool announce = false) {
+    WriteFile(rig.dir_ / "FSX.RWY", kValley);
+    rig.Position(47.25, lon_);
+    rig.instructor.options.AnnounceNearestAirport = announce;
+    EXPECT_TRUE(rig.instructor.Connect());
+  }
+  // Westward along the parallel, a little each tick, at the given height.
+  void FlyWest(double agl, int ticks) {
+    rig.image.SetU8(0x0366, 0);
+    rig.AGL(agl);
+    for (int i = 0; i < ticks; ++i) {
+      lon_ -= 0.002;
+      rig.Position(47.25, lon_);
+      rig.Tick();
+    }
+  }
+  const RunwayChoice& runways() const { return rig.flight().Runways; }
+  static std::string Name(const Runway* r) { return r ? r->ICAO + " " + r->Number : "none"; }
+
+  FlightRig rig;
+
+ private:
+  double lon_ = 11.42;
+};
+
+TEST(RunwayChoice, TheNearestRunwayIsFoundEvery32ndTick) {
+  Valley v;
+  v.FlyWest(900, 31);
+  EXPECT_EQ(Valley::Name(v.runways().NearestRunway), "none");
+  v.FlyWest(900, 1);
+  EXPECT_EQ(Valley::Name(v.runways().NearestRunway), "LOWI 08");
+}
+
+TEST(RunwayChoice, ComingDownThrough500FeetPicksTheRunwayAheadAndAligned) {
+  Valley v;
+  auto landing = [&] { return Valley::Name(v.runways().LandingRunway); };
+  v.FlyWest(900, 8);
+  EXPECT_EQ(landing(), "none");
+  v.FlyWest(520, 2);  // not yet below
+  EXPECT_EQ(landing(), "none");
+  // The nearer end faces the other way: the one the pilot lines up with is 26.
+  v.FlyWest(450, 1);
+  EXPECT_EQ(landing(), "LOWI 26");
+  // Straight ahead, seen from a nose pointing north: to the left.
+  EXPECT_EQ(v.runways().RunwayHeadingRelative, -90);
+  v.FlyWest(900, 4);  // a go-around keeps it
+  EXPECT_EQ(landing(), "LOWI 26");
+}
+
+TEST(RunwayChoice, TheNearestAirportIsAnnouncedOnceWhenAskedForAndHighEnough) {
+  struct Row {
+    std::string name;
+    bool option;
+    double agl;
+    int announcements;
+  };
+  const std::vector<Row> rows = {
+      {"option on, above 800 ft", true, 900, 1},
+      {"option off", false, 900, 0},
+      {"too low", true, 780, 0},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.name);
+    Valley v(row.option);
+    v.FlyWest(row.agl, 60);  // the working set is there from tick 32
+    const std::string queued = v.rig.Queued();
+    int said = 0;
+    for (size_t at = queued.find("Bearing.wav"); at != std::string::npos;
+         at = queued.find("Bearing.wav", at + 1))
+      ++said;
+    EXPECT_EQ(said, row.announcements);
+  }
+}
+
+}  // namespace
+}  // namespace vantoro
