@@ -54,7 +54,10 @@ TEST(FlightModes, ACircuitWithoutKeys) {
       {"twenty seconds of descent", {.vs = -500, .ticks = 42}, "Landing", "", "Landing...", 7},
       {"touchdown", {.onGround = 1, .agl = 0, .gs = 60, .vs = -200, .ticks = 2}, "",
        "Touchdown.WAV", ""},
-      {"roll-out at 19 knots", {.gs = 19}, "", "", ""},
+      // Nothing gathered on the approach, no profile: the rescued 21 points.
+      {"roll-out at 19 knots", {.gs = 19}, "",
+       "IRateYourLandingAt.WAV|20.WAV|1.wav|Points.WAV|ApproachWas.wav|0.WAV|Percent.WAV|"
+       "ForTheGlideSlopeAnd.wav|0.WAV|Percent.WAV|ForTheLocalizer.wav", ""},
       {"below 15 knots", {.gs = 14}, "Taxiing", "", ""},
   });
   EXPECT_TRUE(rig.stats().LandingHasReachedEvaluationStage);
