@@ -20,10 +20,10 @@ constexpr double kDayNightSlack = 55;
 
 // The rating columns: the lower limit of each rating from 0 (worst) to 100.
 constexpr int kRatingRows = 11;
-constexpr std::array<int32_t, kRatingRows> kVisualGlideslopeLimits = {
-    450, 405, 360, 315, 270, 225, 180, 135, 90, 45, 0};
-constexpr std::array<int32_t, kRatingRows> kVisualLocalizerLimits = {
-    500, 450, 400, 350, 300, 250, 200, 150, 100, 50, 0};
+constexpr std::array<int32_t, kRatingRows> kVisualGlideslopeLimits = {450, 405, 360, 315, 270, 225,
+                                                                      180, 135, 90,  45,  0};
+constexpr std::array<int32_t, kRatingRows> kVisualLocalizerLimits = {500, 450, 400, 350, 300, 250,
+                                                                     200, 150, 100, 50,  0};
 constexpr std::array<int32_t, kRatingRows> kILSGlideslopeLimits = {100, 90, 80, 70, 60, 50,
                                                                    40,  30, 20, 10, 0};
 // Steps of 4, then 3 at the good end.
@@ -66,6 +66,9 @@ constexpr int32_t kAutoPilotTicks = 40;
 constexpr double kAutoPilotFactor = 0.66;
 constexpr int32_t kSimRateTicks = 20;
 constexpr double kNegativeBecomes = 10;
+// The score is cut to whole hundredths; a sum of tenths such as 30.1 lies a
+// hair below itself in binary and must not lose a hundredth to that.
+constexpr double kBinaryNoise = 1e-7;
 
 // A touchdown that ends in one of these attitudes is a crash. Only a bank to
 // the right is tested, as the touchdown test does.
@@ -176,9 +179,9 @@ void ApproachItems(Sheet& s, const ApproachRatings& a, const FlightStats& f) {
   } else if (a.VisualApproachActive && a.VisualLocalizerSamples > 0) {
     const int32_t r = f.nonILSApproachLocalizerRating;
     if (r < kGoodApproachRating)
-      s.Bad("* Poor alignment with runway on visual approach - line up and stay there." +
-                Bracket(r),
-            -5);
+      s.Bad(
+          "* Poor alignment with runway on visual approach - line up and stay there." + Bracket(r),
+          -5);
     else
       s.Good("* Good alignment with runway on visual approach." + Bracket(r), 5);
   } else {
@@ -214,8 +217,8 @@ void ThresholdItem(Sheet& s, const LandingContext& in, const FlightStats& f) {
   const ApproachRatings& a = in.Approach;
   const double d = f.DistanceBeyondThreshold;
   const double half = a.VisualRunwayLength / kFeetPerMile / 2;
-  const std::string feet = "[" + std::to_string(static_cast<int64_t>(Int(d * kFeetPerMile))) +
-                           " feet]";
+  const std::string feet =
+      "[" + std::to_string(static_cast<int64_t>(Int(d * kFeetPerMile))) + " feet]";
   const std::string distance = "* Distance from runway threshold (visual approach): ";
 
   if (d > 0 && a.VisualApproachActive && a.ILSGlideslopeSamples <= 0 && d < half) {
@@ -405,7 +408,7 @@ void BonusesAndCaps(Sheet& s, const LandingContext& in, const FlightStats& f) {
     score += in.Aircraft.StallLanding / 20.0 + ClassBase(weightClass);
 
   if (f.AutoPilotTicks >= kAutoPilotTicks) score *= kAutoPilotFactor;
-  score = Int(score * 100) / 100;
+  score = Int(score * 100 + kBinaryNoise) / 100;
   if (f.AbnormalSimRateTicks >= kSimRateTicks) score = 0;
 }
 
@@ -432,9 +435,9 @@ int32_t FailureBonus(const FlightStats& f, const FSData& now, std::string& text)
 
 constexpr std::array<const char*, 7> kDays = {"Sunday",   "Monday", "Tuesday", "Wednesday",
                                               "Thursday", "Friday", "Saturday"};
-constexpr std::array<const char*, 12> kMonths = {"January", "February", "March",     "April",
-                                                 "May",     "June",     "July",      "August",
-                                                 "September", "October", "November", "December"};
+constexpr std::array<const char*, 12> kMonths = {"January",   "February", "March",    "April",
+                                                 "May",       "June",     "July",     "August",
+                                                 "September", "October",  "November", "December"};
 
 // Day of the week, 0 Sunday (Sakamoto's method).
 int DayOfWeek(int y, int m, int d) {
@@ -580,12 +583,11 @@ LandingVerdict LandingComputeAndSpeak(const LandingContext& in, FlightStats& fli
               std::string(in.VisualRunway);
   report += "    NAV1: " + second.Vor1Ident + lb;
   report += "Failure(s): " + (failures.empty() ? "None at landing" + lb : lb + failures + lb);
-  report += "Failure Event(s) (Zulu Time): " + (scores.FailureEventsText.empty()
-                                                    ? "None" + lb
-                                                    : lb + scores.FailureEventsText + lb);
-  report += "Failure Bonus:" + std::to_string(bonus) + "%" + "   Flight Duration:" +
-            FormatDigits(hours, 2) + " Hours   " + FormatDigits(minutes, 2) + " Mins   " +
-            FormatDigits(seconds, 2) + " Secs" + lb + lb;
+  report += "Failure Event(s) (Zulu Time): " +
+            (scores.FailureEventsText.empty() ? "None" + lb : lb + scores.FailureEventsText + lb);
+  report += "Failure Bonus:" + std::to_string(bonus) + "%" +
+            "   Flight Duration:" + FormatDigits(hours, 2) + " Hours   " +
+            FormatDigits(minutes, 2) + " Mins   " + FormatDigits(seconds, 2) + " Secs" + lb + lb;
   report += "[SCORE]Landing Score:" + FormatFixed(scores.LandingScore, 2) + "[/SCORE]" + lb +
             scores.LandingSummary + lb + scores.LandingGoodList + lb + scores.LandingBadList;
   scores.LandingSummary = report;
@@ -594,8 +596,7 @@ LandingVerdict LandingComputeAndSpeak(const LandingContext& in, FlightStats& fli
   // Step 9: a touchdown that ended upside down or on its nose is a crash.
   const FSData& now = in.Now;
   const bool onGround = now.OnGround > 0;
-  if ((now.Bank > kCrashBank && onGround) || (now.Pitch < kCrashPitch && onGround) ||
-      now.Crashed) {
+  if ((now.Bank > kCrashBank && onGround) || (now.Pitch < kCrashPitch && onGround) || now.Crashed) {
     PlayAndPurge(v, "LooksLikeYouveCrashedThePlane.WAV", 0, 0);
     flight.FlightCrashed = true;
     return LandingVerdict::Crashed;
