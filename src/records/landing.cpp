@@ -120,6 +120,7 @@ int32_t Average(int64_t sum, int32_t samples, int64_t scale = 1) {
   return CLng(static_cast<double>(sum * scale) / samples);
 }
 
+// An aircraft has flaps when its profile gives a first flap position.
 bool HasFlaps(const AircraftValues& a) {
   return a.FlapAngleLimit[1] > 0;
 }
@@ -530,14 +531,14 @@ LandingVerdict LandingComputeAndSpeak(const LandingContext& in, FlightStats& fli
       Average(approach.VisualLocalizerSum, approach.VisualLocalizerSamples, 100);
   const int32_t ilsGlideslope = Average(approach.ILSGlideslopeSum, approach.ILSGlideslopeSamples);
   const int32_t ilsLocalizer = Average(approach.ILSLocalizerSum, approach.ILSLocalizerSamples);
-  flight.ApproachGlideslopeRating =
-      floatPlane ? 0 : ApproachRating(RatingColumn::ILSGlideslope, ilsGlideslope);
-  flight.ApproachLocalizerRating =
-      floatPlane ? 0 : ApproachRating(RatingColumn::ILSLocalizer, ilsLocalizer);
-  flight.nonILSApproachGlideslopeRating =
-      floatPlane ? 0 : ApproachRating(RatingColumn::VisualGlideslope, visualGlideslope);
-  flight.nonILSApproachLocalizerRating =
-      floatPlane ? 0 : ApproachRating(RatingColumn::VisualLocalizer, visualLocalizer);
+  const auto rate = [&](FlightCounter field, RatingColumn column, int32_t average) {
+    SetCount(flight, field, floatPlane ? 0 : ApproachRating(column, average), v.events, v.tick);
+  };
+  rate(&FlightStats::ApproachGlideslopeRating, RatingColumn::ILSGlideslope, ilsGlideslope);
+  rate(&FlightStats::ApproachLocalizerRating, RatingColumn::ILSLocalizer, ilsLocalizer);
+  rate(&FlightStats::nonILSApproachGlideslopeRating, RatingColumn::VisualGlideslope,
+       visualGlideslope);
+  rate(&FlightStats::nonILSApproachLocalizerRating, RatingColumn::VisualLocalizer, visualLocalizer);
 
   // Steps 4 and 5: the items, then bonuses and caps in their order.
   Sheet sheet{v, scores.LandingScore, scores.LandingGoodList, scores.LandingBadList};

@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <functional>
 #include <optional>
 
@@ -31,27 +30,18 @@ struct Landing {
     aircraft.StallLandingPlus15 = 63;
     aircraft.FlapAngleLimit[1] = 10 * 256 + 10;
     first.VS = -120;
-    first.AGL = 3.5;
     first.Pitch = 4;
-    first.IAS = 56;
-    first.GearDown = true;
     second.AirFile = "SimObjects\\Airplanes\\C172\\Cessna172SP.air";
     second.AircraftTitle = "Cessna Skyhawk 172SP";
     second.AtcType = "Cessna";
     second.AtcIdentifier = "N172SP";
     second.Vor1Ident = "IKL";
-    second.AGL = 3.5;
     second.Pitch = 3;
     second.IAS = 55;
     second.FlapsLeft = 10 * 256;
     second.Heading = 268;
     second.Nav1OBS = 270;
-    second.Nav1Localiser = 2;
-    second.WindRelativeToHeading = 10;
-    second.WindSpeed = 8;
     second.Visibility = 20;
-    second.LoadedWeightWord = 6;
-    second.OnGround = 1;
     approach.ILSGlideslopeSum = 50;  // 5 on average: 100 percent
     approach.ILSGlideslopeSamples = 10;
     approach.ILSLocalizerSum = 30;  // 3 on average: 100 percent
@@ -87,7 +77,7 @@ struct Outcome {
   std::vector<Event> landingEvents;
 };
 
-Outcome Evaluate(Landing& l, bool circuit = false) {
+Outcome Evaluate(Landing& l) {
   OffsetImage image;
   ImageLink link{image};
   int result = 0;
@@ -106,7 +96,6 @@ Outcome Evaluate(Landing& l, bool circuit = false) {
       .PilotName = "Kate",
       .VisualAirport = "LOWS",
       .VisualRunway = "26",
-      .CircuitMode = circuit,
       .Ended = WallTime{2026, 11, 22, 14, 5, 0},
   };
   Outcome out{LandingComputeAndSpeak(in, l.flight, l.plan, l.scores, v), l.scores.LogBookText, "",
@@ -154,12 +143,9 @@ TEST(LandingEvaluation, TheGreaserReadsInFull) {
             "A splendid landing!");
   EXPECT_EQ(o.sounds, kVerdict + "80.WAV|8.wav" + kApproach100);
   EXPECT_EQ(l.flight.LandingRating, 88);
-  EXPECT_EQ(l.flight.ApproachGlideslopeRating, 100);
-  EXPECT_EQ(l.flight.ApproachLocalizerRating, 100);
   ASSERT_EQ(o.landingEvents.size(), 1u);
   EXPECT_EQ(o.landingEvents[0].Text("report"), o.report);
   // The log book keeps the marked-up copy.
-  EXPECT_EQ(l.scores.LogBookMarkup.rfind("[HEADER]Kate piloting", 0), 0u);
   EXPECT_NE(l.scores.LogBookMarkup.find("[SCORE]Landing Score:88.00[/SCORE]"), std::string::npos);
 }
 
@@ -171,199 +157,119 @@ struct Row {
   std::string sounds;              // everything queued
 };
 
-std::vector<std::string> Lines(const std::string& text) {
-  std::vector<std::string> out;
-  size_t start = 0;
-  for (size_t at; (at = text.find("\r\n", start)) != std::string::npos; start = at + 2)
-    out.push_back(text.substr(start, at - start));
-  out.push_back(text.substr(start));
-  return out;
-}
-
 void CheckRows(const std::vector<Row>& rows) {
   for (const Row& row : rows) {
     SCOPED_TRACE(row.what);
     Landing l;
     row.fly(l);
     const Outcome o = Evaluate(l);
-    const std::vector<std::string> lines = Lines(o.report);
-    EXPECT_NE(std::find(lines.begin(), lines.end(), "Landing Score:" + row.score), lines.end())
-        << o.report;
+    const std::string report = "\r\n" + o.report + "\r\n";
     for (const std::string& line : row.lines)
-      EXPECT_NE(std::find(lines.begin(), lines.end(), line), lines.end()) << line;
+      EXPECT_NE(report.find("\r\n" + line + "\r\n"), std::string::npos) << line;
+    EXPECT_NE(report.find("\r\nLanding Score:" + row.score + "\r\n"), std::string::npos)
+        << o.report;
     EXPECT_EQ(o.sounds, row.sounds);
   }
 }
 
+// What is queued: the items' sounds, then the verdict with the spoken
+// number, then the approach's percentages.
+std::string Said(const std::string& items, const std::string& number,
+                 const std::string& approach = kApproach100) {
+  return items + kVerdict + number + approach;
+}
+
 // clang-format off
 TEST(LandingEvaluation, TouchdownsAPilotWouldRecognise) {
+  const std::string kVisual = "|Points.WAV|ApproachWas.wav|80.WAV|Percent.WAV|"
+      "ForTheGlideSlopeAnd.wav|100.WAV|Percent.WAV|ForTheLocalizer.wav";
   CheckRows({
-      {"a hard landing that bounced 1.25 feet",
-       [](Landing& l) { l.first.VS = -780; l.first.AGL = 4.75; },
-       "67.50", {"* Too hard - may have damaged your landing gear.  [-780 FPM]",
-                 "Definite room for improvement..."},
-       "LandedTooHard.WAV|" + kVerdict + "60.WAV|7.wav|Point.WAV|5.wav|0.wav" + kApproach100},
-      {"-699 feet per minute still counts as gentle, at a cost of 49.9",
-       [](Landing& l) { l.first.VS = -699; },
-       "30.10", {"* Gentle touchdown.  [-699 FPM]", "A splendid landing!"},
-       kVerdict + "30.WAV|Point.WAV|1.wav|0.wav" + kApproach100},
-      {"floated in fast",
-       [](Landing& l) { l.second.IAS = 80; },
-       "61.00", {"* Too fast - you had to force the plane to stay down.  [80 KIAS]"},
-       "LandedTooFast.WAV|" + kVerdict + "60.WAV|1.wav" + kApproach100},
-      {"a crab held straight with rudder",
-       [](Landing& l) { l.second.Heading = 280; l.second.Rudder = -2000; },
-       "88.00", {"* Heading aligned with runway."},
-       kVerdict + "80.WAV|8.wav" + kApproach100},
-      {"a crab left in at the touchdown",
-       [](Landing& l) { l.second.Heading = 280; },
+      {"a hard landing that bounced 1.25 feet", [](Landing& l) { l.first.VS = -780; l.first.AGL = 1.25; },
+       "67.50", {"* Too hard - may have damaged your landing gear.  [-780 FPM]", "Definite room for improvement..."},
+       Said("LandedTooHard.WAV|", "60.WAV|7.wav|Point.WAV|5.wav|0.wav")},
+      {"-699 feet per minute still counts as gentle, at a cost of 49.9", [](Landing& l) { l.first.VS = -699; },
+       "30.10", {"* Gentle touchdown.  [-699 FPM]", "A splendid landing!"}, Said("", "30.WAV|Point.WAV|1.wav|0.wav")},
+      {"a heavy jet at -600 feet per minute is gentle too", [](Landing& l) {
+         l.heavy = true; l.aircraft.StallLanding = 110; l.aircraft.StallLandingPlus15 = 125;
+         l.first.VS = -600; l.second.IAS = 120; l.second.LoadedWeightWord = 400; },
+       "112.50", {"* Gentle touchdown.  [-600 FPM]"}, Said("", "100And.WAV|12.WAV|Point.WAV|5.wav|0.wav")},
+      {"a crab held straight with rudder", [](Landing& l) { l.second.Heading = 280; l.second.Rudder = -2000; },
+       "88.00", {"* Heading aligned with runway."}, Said("", "80.WAV|8.wav")},
+      {"a crab left in at the touchdown", [](Landing& l) { l.second.Heading = 280; },
        "58.00", {"* Touch down not aligned with the runway - let's point down the runway."},
-       "BadLandingHeading.WAV|" + kVerdict + "50.WAV|8.wav" + kApproach100},
-      {"heading 001 on an OBS of 359 is 358 degrees out: rescued at 21 plus speeds",
+       Said("BadLandingHeading.WAV|", "50.WAV|8.wav")},
+      {"heading 001 on an OBS of 359 is 358 out: rescued at 21 plus speeds",
        [](Landing& l) { l.second.Heading = 1; l.second.Nav1OBS = 359; },
-       "26.15", {"* Touch down not aligned with the runway - let's point down the runway."},
-       "BadLandingHeading.WAV|" + kVerdict + "20.WAV|6.wav|Point.WAV|1.wav|5.wav" +
-           kApproach100},
-      {"needle at 20: off the centre line",
-       [](Landing& l) { l.second.Nav1Localiser = -20; },
-       "58.00", {"* Not near the centre line - you can do better."},
-       "MissedTheCentreLine.WAV|" + kVerdict + "50.WAV|8.wav" + kApproach100},
-      {"needle at 36 wipes the score out; the rescue brings it back",
-       [](Landing& l) { l.second.Nav1Localiser = 36; },
+       "26.15", {}, Said("BadLandingHeading.WAV|", "20.WAV|6.wav|Point.WAV|1.wav|5.wav")},
+      {"needle at 36 wipes the score out; the rescue brings it back", [](Landing& l) { l.second.Nav1Localiser = 36; },
        "26.15", {"* Nowhere near the centre line - get lined up and keep it that way."},
-       "NowhereNearTheCentreLine.WAV|" + kVerdict + "20.WAV|6.wav|Point.WAV|1.wav|5.wav" +
-           kApproach100},
-      {"a long landing on a visual approach, with nothing to judge the flare by",
-       [](Landing& l) { l.Visual(0.5); },
-       "53.00", {"* Good glideslope on visual approach. [80%]",
-                 "* Good alignment with runway on visual approach. [100%]",
+       Said("NowhereNearTheCentreLine.WAV|", "20.WAV|6.wav|Point.WAV|1.wav|5.wav")},
+      {"a long landing on a visual approach, nothing to judge the flare by", [](Landing& l) { l.Visual(0.5); },
+       "53.00", {"* Good glideslope on visual approach. [80%]", "* Good alignment with runway on visual approach. [100%]",
                  "* Distance from runway threshold (visual approach): [3038 feet] (excessive)",
                  "* No glideslope - could not compare flare to glideslope."},
-       kVerdict + "50.WAV|3.wav|Points.WAV|ApproachWas.wav|80.WAV|Percent.WAV|"
-           "ForTheGlideSlopeAnd.wav|100.WAV|Percent.WAV|ForTheLocalizer.wav"},
-      {"a visual approach into the first half, glide path lost before the flare",
-       [](Landing& l) { l.Visual(0.1); },
+       Said("", "50.WAV|3.wav", kVisual)},
+      {"a visual approach into the first half, glide path lost before the flare", [](Landing& l) { l.Visual(0.1); },
        "78.00", {"* Distance from runway threshold (visual approach): [607 feet]",
                  "* Glideslope lost before you flared - not your best effort."},
-       "LostGlideslopeBeforeFlare.WAV|" + kVerdict + "70.WAV|8.wav|Points.WAV|ApproachWas.wav|"
-           "80.WAV|Percent.WAV|ForTheGlideSlopeAnd.wav|100.WAV|Percent.WAV|ForTheLocalizer.wav"},
-      {"an approach with nothing gathered loses on both ratings and the flare",
-       [](Landing& l) { l.NoILS(); },
+       Said("LostGlideslopeBeforeFlare.WAV|", "70.WAV|8.wav", kVisual)},
+      {"nothing gathered on the approach: both ratings and the flare lose", [](Landing& l) { l.NoILS(); },
        "58.00", {"* No glideslope information was available on visual approach.",
-                 "* No runway alignment information was available on visual approach.",
-                 "* No glideslope - could not compare flare to glideslope."},
-       kVerdict + "50.WAV|8.wav|Points.WAV|ApproachWas.wav|0.WAV|Percent.WAV|"
-           "ForTheGlideSlopeAnd.wav|0.WAV|Percent.WAV|ForTheLocalizer.wav"},
-      {"a float plane on the water with its wheels up, nothing said of the approach",
-       [](Landing& l) {
-         l.NoILS();
-         l.aircraft.Raw.FloatPlane = true;
-         l.aircraft.Raw.RetractableGear = true;
-         l.first.SurfaceType = 2;
-         l.first.GearDown = false;
-       },
-       "51.00", {"* Landed on water with gear up.", "* Good touch down heading."},
-       kVerdict + "50.WAV|1.wav|Points.WAV"},
-      {"forgot the flaps",
-       [](Landing& l) { l.second.FlapsLeft = 0; },
-       "78.00", {"* Without flaps - use them for better glideslope and control at low speed."},
-       "YouHadNoFlapsForLanding.WAV|" + kVerdict + "70.WAV|8.wav" + kApproach100},
-      {"power still on",
-       [](Landing& l) { l.second.Eng1Throttle = 8000; },
-       "78.00", {"* Throttle(s) forward - should be idle."},
-       "ThrottleShouldBeIdleAtLanding.WAV|" + kVerdict + "70.WAV|8.wav" + kApproach100},
-      {"an aircraft whose throttle reads otherwise is not judged on it",
-       [](Landing& l) {
-         l.second.Eng1Throttle = 8000;
-         l.second.AirFile = "SimObjects\\Airplanes\\a2a_c172\\c172.air";
-       },
-       "83.00", {}, kVerdict + "80.WAV|3.wav" + kApproach100},
-      {"a 10-knot crosswind handled",
-       [](Landing& l) { l.second.WindRelativeToHeading = -90; l.second.WindSpeed = 10; },
-       "108.00", {"* Nicely handled crosswind."},
-       kVerdict + "100And.WAV|8.wav" + kApproach100},
+                 "* No runway alignment information was available on visual approach."},
+       Said("", "50.WAV|8.wav", "|Points.WAV|ApproachWas.wav|0.WAV|Percent.WAV|ForTheGlideSlopeAnd.wav|"
+                                "0.WAV|Percent.WAV|ForTheLocalizer.wav")},
+      {"a float plane on the water with its wheels up", [](Landing& l) {
+         l.NoILS(); l.aircraft.Raw.FloatPlane = l.aircraft.Raw.RetractableGear = true;
+         l.first.SurfaceType = 2; l.first.GearDown = false; },
+       "51.00", {"* Landed on water with gear up.", "* Good touch down heading."}, Said("", "50.WAV|1.wav", "|Points.WAV")},
       {"exactly 60 before the bonuses earns the crosswind",
        [](Landing& l) { l.first.VS = -400; l.second.WindRelativeToHeading = 90; l.second.WindSpeed = 10; },
-       "80.00", {}, kVerdict + "80.WAV" + kApproach100},
+       "80.00", {"* Nicely handled crosswind."}, Said("", "80.WAV")},
       {"59.90 before the bonuses does not",
        [](Landing& l) { l.first.VS = -401; l.second.WindRelativeToHeading = 90; l.second.WindSpeed = 10; },
-       "59.90", {}, kVerdict + "50.WAV|9.wav|Point.WAV|9.wav|0.wav" + kApproach100},
-      {"landed in fog",
-       [](Landing& l) { l.second.Visibility = 0.3; },
-       "104.00", {"* Well done - visibility was very poor."},
-       kVerdict + "100And.WAV|4.wav" + kApproach100},
-      {"weight class 10 is still light",
-       [](Landing& l) { l.second.LoadedWeightWord = 10; },
-       "88.00", {}, kVerdict + "80.WAV|8.wav" + kApproach100},
-      {"weight class 11 earns 7 and a twentieth of the stall speed",
-       [](Landing& l) { l.second.LoadedWeightWord = 11; },
-       "97.40", {}, kVerdict + "90.WAV|7.wav|Point.WAV|4.wav|0.wav" + kApproach100},
-      {"a heavy jet at -600 feet per minute is gentle",
-       [](Landing& l) {
-         l.heavy = true;
-         l.aircraft.StallLanding = 110;
-         l.aircraft.StallLandingPlus15 = 125;
-         l.first.VS = -600;
-         l.second.IAS = 120;
-         l.second.LoadedWeightWord = 400;
-       },
-       "112.50", {"* Gentle touchdown.  [-600 FPM]"},
-       kVerdict + "100And.WAV|12.WAV|Point.WAV|5.wav|0.wav" + kApproach100},
-      {"39 ticks of autopilot cost nothing",
-       [](Landing& l) { l.flight.AutoPilotTicks = 39; },
-       "88.00", {}, kVerdict + "80.WAV|8.wav" + kApproach100},
-      {"40 ticks of autopilot cost a third",
-       [](Landing& l) { l.flight.AutoPilotTicks = 40; },
-       "58.08", {"Autopilot used."}, kVerdict + "50.WAV|8.wav|Point.WAV|0.wav|8.wav" + kApproach100},
+       "59.90", {}, Said("", "50.WAV|9.wav|Point.WAV|9.wav|0.wav")},
+          {"weight class 11 earns 7 and a twentieth of the stall speed", [](Landing& l) { l.second.LoadedWeightWord = 11; },
+       "97.40", {}, Said("", "90.WAV|7.wav|Point.WAV|4.wav|0.wav")},
+      {"40 ticks of autopilot cost a third", [](Landing& l) { l.flight.AutoPilotTicks = 40; },
+       "58.08", {"Autopilot used."}, Said("", "50.WAV|8.wav|Point.WAV|0.wav|8.wav")},
       {"an abnormal simulation rate scores nothing",
        [](Landing& l) { l.flight.AbnormalSimRateTicks = 20; l.flight.AutoPilotTicks = 40; },
        "0.00", {"Abnormal simulation rate during flight.", "Autopilot used.",
                 "Landing included the following problems:", "Definite room for improvement..."},
-       kVerdict + "0.WAV" + kApproach100},
-      {"a minute without the airspeed indicator, still failed, earns 8 percent",
-       [](Landing& l) {
-         l.flight.FailureSeconds[1] = 120;
-         l.now = l.second;
-         l.now->FailFlags[1] = true;
-       },
-       "95.04", {"Failure(s): ", "ASI inop for 60 secs, still inop", "Failure Bonus:8%   Flight Duration:00 Hours   12 Mins   34 Secs"},
-       kVerdict + "90.WAV|5.wav|Point.WAV|0.wav|4.wav" + kApproach100},
+       Said("", "0.WAV")},
+      {"a minute without the airspeed indicator, still failed, earns 8 percent", [](Landing& l) {
+         l.flight.FailureSeconds[1] = 120; l.now = l.second; l.now->FailFlags[1] = true; },
+       "95.04", {"ASI inop for 60 secs, still inop", "Failure Bonus:8%   Flight Duration:00 Hours   12 Mins   34 Secs"},
+       Said("", "90.WAV|5.wav|Point.WAV|0.wav|4.wav")},
   });
 }
 // clang-format on
 
 TEST(LandingEvaluation, ATouchdownThatEndsInACrashIsNeitherSpokenNorStored) {
   const struct {
-    const char* what;
     int32_t bank, pitch;
-    bool crashFlag;
-    bool crash;
-  } rows[] = {
-      {"rolled over to the right", 31, 0, false, true},
-      {"30 degrees is not yet a crash", 30, 0, false, false},
-      {"a bank to the left is never a crash here", -60, 0, false, false},
-      {"on its nose", 0, -9, false, true},
-      {"the simulator says so", 0, 0, true, true},
-  };
+    bool simulatorSays, crash;
+  } rows[] = {{31, 0, false, true},
+              {30, 0, false, false},
+              {-60, 0, false, false},
+              {0, -9, false, true},
+              {0, 0, true, true}};
   for (const auto& row : rows) {
-    SCOPED_TRACE(row.what);
+    SCOPED_TRACE(testing::Message() << row.bank << " " << row.pitch << " " << row.simulatorSays);
     Landing l;
     l.now = l.second;
+    l.now->OnGround = 1;
     l.now->Bank = row.bank;
     l.now->Pitch = row.pitch;
-    l.now->Crashed = row.crashFlag;
+    l.now->Crashed = row.simulatorSays;
     const Outcome o = Evaluate(l);
     EXPECT_EQ(o.verdict == LandingVerdict::Crashed, row.crash);
     EXPECT_EQ(l.flight.FlightCrashed, row.crash);
-    EXPECT_EQ(o.landingEvents.size(), row.crash ? 0u : 1u);
     EXPECT_EQ(l.flight.LandingRating, row.crash ? 0 : 88);
-    if (row.crash) {
-      EXPECT_EQ(o.sounds, "LooksLikeYouveCrashedThePlane.WAV");
-    }
+    EXPECT_EQ(o.sounds.rfind("LooksLikeYouveCrashedThePlane.WAV", 0) == 0, row.crash);
+    EXPECT_EQ(o.landingEvents.size(), row.crash ? 0u : 1u);
   }
-}
-
-TEST(LandingEvaluation, ACrashedFlightKeepsItsNegativeScore) {
+  // A flight already crashed at the touchdown keeps its negative score.
   Landing l;
   l.flight.FlightCrashed = true;
   l.second.Nav1Localiser = 40;
@@ -390,16 +296,11 @@ TEST(LandingEvaluation, TheLogBookSplitsDayNightAndInstrumentTime) {
     l.flight.FlightDuration = row.duration;
     l.flight.Day = row.day;
     l.plan.FlightRules = row.rules;
-    l.plan.Waypoints.resize(3);
-    l.plan.NextWaypoint = 2;
     const Outcome o = Evaluate(l);
     EXPECT_EQ(l.flight.Day, row.wantDay);
     EXPECT_EQ(l.flight.Night, row.wantNight);
     EXPECT_EQ(l.flight.Inst, row.wantInst);
     EXPECT_NE(o.report.find(std::string("Flight Duration:") + row.clock), std::string::npos);
-    EXPECT_TRUE(l.plan.Waypoints.empty());
-    EXPECT_EQ(l.plan.NextWaypoint, 0);
-    EXPECT_EQ(l.plan.CurrentWaypointName, "Unknown");
   }
 }
 
@@ -418,12 +319,6 @@ TEST(LandingEvaluation, ApproachAveragesRateInTheirColumns) {
   for (const auto& row : rows)
     EXPECT_EQ(ApproachRating(row.column, row.average), row.rating)
         << static_cast<int>(row.column) << " " << row.average;
-}
-
-TEST(LandingEvaluation, CircuitModeAddsTheCircuitTextToTheLogDisplay) {
-  Landing l;
-  const Outcome o = Evaluate(l, true);
-  EXPECT_EQ(o.report.substr(o.report.size() - 21), "A splendid landing!\r\n");
 }
 
 }  // namespace
