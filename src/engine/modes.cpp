@@ -6,6 +6,7 @@
 #include "engine/tick_rules.h"
 #include "records/clocks.h"
 #include "records/flight_stats.h"
+#include "records/landing.h"
 #include "world/profiles.h"
 
 namespace vantoro {
@@ -81,6 +82,36 @@ void EnterCruise(Cockpit& c, int seconds) {
   PlayPerhaps(v, "Cruise.wav", 6, 30, 4);
   if (FlightPPScore(c.flight.Flight()) == 0) PlayPerhaps(v, "FlightGoodSoFar.wav", 97, 30, 12);
   // The aircraft's cruise advice begins here (BeginCruiseAdvice).
+}
+
+// The landing's score, report and verdict. A touchdown that turns out to be
+// a crash ends the flight as every crash does, without a score.
+void EvaluateLanding(Cockpit& c) {
+  FlightState& f = c.flight;
+  const LandingContext in{
+      .Touchdown = f.LandingData,
+      .Now = c.link.Now(),
+      .Aircraft = c.aircraft,
+      .HeavyAircraft = c.link.HeavyAircraft,
+      .Approach = c.approach,
+      .PilotName = c.options.PilotName,
+      // The runway chosen for the landing is named here (approach monitors).
+      .VisualAirport = {},
+      .VisualRunway = {},
+      .CircuitMode = f.CircuitsWanted,
+      .Ended = c.clock.Now(),
+  };
+  Voice v = c.voice();
+  const LandingVerdict verdict = LandingComputeAndSpeak(in, f.Flight(), c.plan, c.scores, v);
+  c.approach.GlideslopeHeldAtFlare = false;
+  c.approach.VisualGlideslopeHeldAtFlare = false;
+  if (verdict != LandingVerdict::Crashed) return;
+  f.Crashed = true;
+  f.CrashOnLanding = true;
+  if (!f.FlightStarted) return;
+  AutoDisconnect(c, "Crash");
+  c.scores.LogBookText = std::string(kAutoDisconnection) + "\r\n" + "Crash";
+  // The crash report is written here (WriteCrashReport).
 }
 
 }  // namespace
@@ -324,9 +355,10 @@ void LandingOnGround(Cockpit& c) {
   }
   f.FlightTimeAtLanding = GetFlightTime(f.clocks, now);
   SetCount(flight, &FlightStats::FlightDuration, f.FlightTimeAtLanding, c.events, f.TickCount);
-  // The landing is evaluated and its score spoken here when the flight lasted
-  // more than 30 seconds (LandingComputeAndSpeak); the approach error sums and
-  // best distances then start afresh (approach monitors).
+  if (f.FlightTimeAtLanding > kShortestEvaluatedFlight) EvaluateLanding(c);
+  // What the approach gathered starts afresh, whether the landing was
+  // evaluated or not.
+  c.approach.ResetGathered();
 }
 
 void LeaveLanding(Cockpit& c) {

@@ -107,6 +107,11 @@ struct FlightStats {
   double Night = 0;  // seconds at night
   double Inst = 0;   // seconds under instrument conditions
   int32_t BlockTime = 0;
+
+  // How long each of the sixteen instrument failures (in the order of the
+  // simulator's failure bytes) has been active this flight, in ticks: the
+  // failure timers advance it twice a second, so seconds are half of it.
+  std::array<int32_t, 16> FailureSeconds{};
 };
 
 inline constexpr int kFlightTableSize = 201;  // flights 0..200

@@ -24,6 +24,7 @@ struct FlightPlan {
   int32_t NextWaypoint = 0;
   std::string FlightPlanDeparture;
   std::string FlightPlanDestination;
+  std::string FlightRules;  // as the plan states them ("IFR", "VFR"), any case
   std::string CurrentWaypointName = "Unknown";
 };
 

@@ -54,10 +54,52 @@ TEST(FlightModes, ACircuitWithoutKeys) {
       {"twenty seconds of descent", {.vs = -500, .ticks = 42}, "Landing", "", "Landing...", 7},
       {"touchdown", {.onGround = 1, .agl = 0, .gs = 60, .vs = -200, .ticks = 2}, "",
        "Touchdown.WAV", ""},
-      {"roll-out at 19 knots", {.gs = 19}, "", "", ""},
+      // Nothing gathered on the approach, no profile: the rescued 21 points.
+      {"roll-out at 19 knots", {.gs = 19}, "",
+       "IRateYourLandingAt.WAV|20.WAV|1.wav|Points.WAV|ApproachWas.wav|0.WAV|Percent.WAV|"
+       "ForTheGlideSlopeAnd.wav|0.WAV|Percent.WAV|ForTheLocalizer.wav", ""},
       {"below 15 knots", {.gs = 14}, "Taxiing", "", ""},
   });
   EXPECT_TRUE(rig.stats().LandingHasReachedEvaluationStage);
+}
+
+TEST(FlightModes, TheRollOutEvaluatesAFlightOfMoreThanThirtySeconds) {
+  const struct {
+    const char* what;
+    int airborneTicks;
+    int bankAtRollOut;
+    int32_t duration;
+    bool spoken;
+    std::string disconnect;
+  } rows[] = {
+      {"30 seconds is a hop", 57, 0, 30, false, ""},
+      {"31 seconds is a flight", 59, 0, 31, true, ""},
+      {"rolled over on the roll-out", 59, 35, 31, false, "Crash"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.what);
+    FlightRig rig;
+    rig.Ready();
+    rig.Follow({{.gs = 35},
+                {.onGround = 0, .agl = 20, .gs = 70, .ticks = row.airborneTicks},
+                {.onGround = 1, .agl = 0, .gs = 60, .vs = -200, .ticks = 2}});
+    rig.instructor.approach.ILSGlideslopeSum = 40;
+    rig.instructor.approach.ILSGlideslopeSamples = 4;
+    rig.Bank(row.bankAtRollOut);
+    rig.Mark();
+    rig.Fly({.gs = 19});
+    EXPECT_EQ(rig.stats().FlightDuration, row.duration);
+    EXPECT_EQ(rig.Queued().find("IRateYourLandingAt.WAV") != std::string::npos, row.spoken);
+    EXPECT_EQ(rig.Since("landing").size(), row.spoken ? 1u : 0u);
+    EXPECT_EQ(rig.Disconnects(), row.disconnect);
+    EXPECT_EQ(rig.flight().CrashOnLanding, !row.disconnect.empty());
+    if (!row.disconnect.empty()) {
+      EXPECT_EQ(rig.instructor.scores.LogBookText, "AUTO-Disconnection due to:\r\nCrash");
+    }
+    // Evaluated or not, the approach gathers afresh for the next one.
+    EXPECT_EQ(rig.instructor.approach.ILSGlideslopeSum, kNothingGathered);
+    EXPECT_EQ(rig.instructor.approach.ILSGlideslopeSamples, 0);
+  }
 }
 
 TEST(FlightModes, HotKeysMoveTheModeOrSayWhyNot) {
