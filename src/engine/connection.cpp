@@ -108,6 +108,7 @@ bool ConnectToFS(Cockpit& c) {
   f.CircuitsWanted = false;
   f.UnknownAircraftShown = false;
   f.CrashOnLanding = false;
+  f.approach = {};  // no destination and no approach yet
   f.Crashed = false;
   // The taxi-advice latches and the approach bests (-55555) start afresh here
   // (ground and approach monitors).

@@ -3,6 +3,7 @@
 // and the lift-off test that opens every flight in the air.
 #include <cstdlib>
 
+#include "engine/approach.h"
 #include "engine/tick_rules.h"
 #include "records/clocks.h"
 #include "records/flight_stats.h"
@@ -327,6 +328,9 @@ void LandingOnGround(Cockpit& c) {
   // The landing is evaluated and its score spoken here when the flight lasted
   // more than 30 seconds (LandingComputeAndSpeak); the approach error sums and
   // best distances then start afresh (approach monitors).
+  ResetApproachErrors(f.approach);
+  c.approach.ResetGathered();
+  c.approach.VisualApproachActive = false;
 }
 
 void LeaveLanding(Cockpit& c) {

@@ -6,6 +6,7 @@
 #include "engine/polling.h"
 
 #include "base/numbers.h"
+#include "engine/approach.h"
 #include "engine/tick_rules.h"
 #include "world/geo.h"
 
@@ -103,8 +104,9 @@ void ProcessTick(Cockpit& c) {
 
   HotKeysAct(c);
 
-  // With a runway database the landing runway is picked again below 500 feet,
-  // and the runway's relative bearing refreshed, here (runways).
+  // With a runway database the landing runway is picked again below 500 feet;
+  PickLandingRunwayOnFinal(c);
+  // the runway's relative bearing is refreshed here (runways).
 
   // The gate: replay, crash, pause, menus and loading freeze the monitors.
   if (AtTheGate(f, now)) return;
@@ -143,10 +145,16 @@ void ProcessTick(Cockpit& c) {
     // becomes a take-off:
     TaxiSpeedTakeOff(c);
   } else if (f.GroundLatch != 1) {
-    // Random failures, the fuel leak and the waypoints run here; then the
-    // circuit monitors and the flight monitors of the cruise, the approach and
-    // the landing (limits, stalls, gear, flaps, descent).
+    // Random failures, the fuel leak and the waypoints run here.
+    GlideslopeCapture(c);
+    // The VOR teaching messages run here (navigation coaching).
+    AutoTuneILS(c);
+    LandingModeArrival(c);
+    // Then the circuit monitors and the flight monitors of the cruise (limits,
+    // stalls, descent).
     TooLowSetsLanding(c);
+    ApproachMonitors(c);
+    // The gear and never-exceed speed rules of the cruise follow here.
     if (link.Before().OnGround > 0 && now.OnGround > 0) TouchdownTest(c);
   }
 }
