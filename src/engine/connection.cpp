@@ -164,8 +164,9 @@ bool ConnectToFS(Cockpit& c) {
   f.UnknownAircraftShown = false;
   f.CrashOnLanding = false;
   f.Crashed = false;
-  // The taxi-advice latches and the approach bests (-55555) start afresh here
-  // (ground and approach monitors).
+  // The taxi-advice latches start afresh here (ground monitors); the approach
+  // has no destination and its bests are not measured yet.
+  f.approach = {};
   f.FlightStarted = false;
   f.FlightStartTick = 0;
   f.TickCount = 0;

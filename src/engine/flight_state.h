@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 
+#include "engine/approach_state.h"
 #include "engine/runway_choice.h"
 #include "engine/stats_view.h"
 #include "link/fsdata.h"
@@ -99,6 +100,7 @@ struct FlightState {
 
   // The nearest and the landing runway of the world data.
   RunwayChoice Runways;
+  ApproachState approach;  // the approach monitors
 };
 
 }  // namespace vantoro

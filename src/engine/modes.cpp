@@ -3,6 +3,7 @@
 // and the lift-off test that opens every flight in the air.
 #include <cstdlib>
 
+#include "engine/approach.h"
 #include "engine/tick_rules.h"
 #include "records/clocks.h"
 #include "records/flight_stats.h"
@@ -356,9 +357,11 @@ void LandingOnGround(Cockpit& c) {
   f.FlightTimeAtLanding = GetFlightTime(f.clocks, now);
   SetCount(flight, &FlightStats::FlightDuration, f.FlightTimeAtLanding, c.events, f.TickCount);
   if (f.FlightTimeAtLanding > kShortestEvaluatedFlight) EvaluateLanding(c);
-  // What the approach gathered starts afresh, whether the landing was
-  // evaluated or not.
+  // What the approach gathered, and its errors and best distances, start
+  // afresh whether the landing was evaluated or not.
+  ResetApproachErrors(f.approach);
   c.approach.ResetGathered();
+  c.approach.VisualApproachActive = false;
 }
 
 void LeaveLanding(Cockpit& c) {

@@ -6,6 +6,7 @@
 #include "engine/polling.h"
 
 #include "base/numbers.h"
+#include "engine/approach.h"
 #include "engine/cruise.h"
 #include "engine/tick_rules.h"
 #include "world/geo.h"
@@ -104,6 +105,8 @@ void ProcessTick(Cockpit& c) {
 
   HotKeysAct(c);
 
+  // With a runway database the landing runway is picked again below 500 feet,
+  // and the runway's relative bearing refreshed.
   PickLandingRunway(c);
 
   // The gate: replay, crash, pause, menus and loading freeze the monitors.
@@ -145,11 +148,17 @@ void ProcessTick(Cockpit& c) {
     // becomes a take-off:
     TaxiSpeedTakeOff(c);
   } else if (f.GroundLatch != 1) {
-    // Random failures, the fuel leak and the waypoints run here; then the
-    // circuit monitors.
+    // Random failures, the fuel leak and the waypoints run here.
+    GlideslopeCapture(c);
+    // The VOR teaching messages run here (navigation coaching).
+    AutoTuneILS(c);
+    LandingModeArrival(c);
+    // The circuit monitors run here; then the flight monitors.
     AttitudeAndLoadLimits(c);
     StallWarnings(c);
-    // The approach and landing rules run here (approach monitors).
+    ApproachMonitors(c);
+    // The gear rules stand below the approach rules; the first of them is also
+    // the approach's last (lower the gear, or slow down to lower it).
     LowerGearAdvice(c);
     GearAndNeverExceedSpeeds(c);
     // The flap speed rules run here (aircraft procedures).

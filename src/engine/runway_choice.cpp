@@ -1,6 +1,7 @@
 #include "engine/runway_choice.h"
 
 #include "base/numbers.h"
+#include "engine/approach.h"
 #include "engine/polling.h"
 #include "link/snapshot.h"
 #include "voice/phrases.h"
@@ -30,7 +31,11 @@ void PickLandingRunway(Cockpit& c) {
     FillCloseRunways(c.world, now.Latitude, now.Longitude);
     const Runway* ahead = FindClosestRunway(c.world, now.Latitude, now.Longitude,
                                             c.flight.GroundTrack, kNoLimit, true);
-    if (ahead != nullptr) r.LandingRunway = ahead;
+    if (ahead != nullptr) {
+      r.LandingRunway = ahead;
+      // The approach rules coach down to it from here on.
+      SetDestinationRunway(c.flight.approach, c.approach, *ahead, now.MagVar);
+    }
   }
   if (r.LandingRunway == nullptr) {
     r.RunwayHeadingRelative = 0;

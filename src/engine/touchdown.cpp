@@ -3,6 +3,7 @@
 // crash, a strange touchdown or a landing with its sound.
 #include <cstdlib>
 
+#include "engine/approach.h"
 #include "engine/tick_rules.h"
 #include "records/clocks.h"
 #include "records/flight_stats.h"
@@ -79,8 +80,7 @@ void TouchdownTest(Cockpit& c) {
     } else if (GetFlightTime(f.clocks, now) > kTouchdownSoundAfterSeconds) {
       PlayAndPurge(v, "Touchdown.WAV", 0, 0);
     }
-    // Whether the aircraft landed at an airport without using its ILS is
-    // checked here (approach monitors).
+    LandAirportWithoutILSCheck(c);
     f.TouchdownTick = f.TickCount;
     f.HasTouchedDown = true;
   } else {

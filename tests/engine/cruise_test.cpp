@@ -70,7 +70,7 @@ std::string Heard(const FlightRig& rig) {
       "NotRudderToCoordinateTurns ExceedGearDown ExceedVNE TakeOffDescent";
   std::string out;
   for (const Event& q : rig.Since("queued")) {
-    if (!kFamilies.count(q.Int("id"))) continue;
+    if (q.Find("id") == nullptr || !kFamilies.count(q.Int("id"))) continue;
     out += (out.empty() ? "" : "|") + q.Text("file");
     for (const Event& r : rig.Since("remark"))
       if (r.tick == q.tick && r.Text("file") == q.Text("file"))
@@ -163,6 +163,7 @@ TEST(CruiseSpeeds, StallGearAndNeverExceed) {
       {"gear too fast", "", "retractable ias=141", "RaiseGear.wav:2 +ExceedGearDown"},
       {"gear up, sinking", "agl=122;gear=0", "agl=120 ias=139", "LowerGear.wav:1"},
       {"gear up, fast", "agl=122;gear=0", "agl=120 ias=140", "SlowDownSoYouCanLowerGear.wav:1"},
+      {"gear up, a float plane", "agl=122;gear=0", "agl=120 ias=139 float", ""},
       {"float plane", "float agl=122;gear=0", "agl=120", ""},
       {"flaps out", "", "flaps=256", "CruisingWithFlaps.wav:1"},
   });

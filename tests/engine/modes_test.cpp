@@ -26,6 +26,10 @@ void FlyAndCheck(FlightRig& rig, const std::vector<Step>& steps) {
   }
 }
 
+// The approach opens with the runway heading by NAV1's OBS (no runway known).
+const std::string kApproachOpens =
+    "Landing.wav|BasedOnNav1OBSRunwayHeadingIs.wav|3.wav|6.wav|0.wav";
+
 // clang-format off
 TEST(FlightModes, ACircuitByHotKeys) {
   FlightRig rig;
@@ -35,7 +39,8 @@ TEST(FlightModes, ACircuitByHotKeys) {
       {"lift-off in TakeOff", {.onGround = 0, .agl = 300, .gs = 70}, "", "", ""},
       {"key 1 in the climb", {.key = 1, .agl = 3000, .ticks = 30}, "Cruise",
        "Cruise.wav|FlightGoodSoFar.wav", "Cruise...", 3},
-      {"key 7 in the cruise", {.key = 7}, "Landing", "", "Landing...", 3},
+      {"key 7 in the cruise", {.key = 7}, "Landing", kApproachOpens + "|GlideslopeNotAlive.wav",
+       "Landing...", 3},
       {"touchdown", {.onGround = 1, .agl = 0, .gs = 60, .ticks = 2}, "", "Touchdown.WAV", ""},
       {"key 1 on the roll-out", {.key = 1}, "Taxiing", "", "Taxiing...", 3},
   });
@@ -51,7 +56,8 @@ TEST(FlightModes, ACircuitWithoutKeys) {
       {"lift-off", {.onGround = 0, .agl = 20, .gs = 70}, "", "", ""},
       {"a minute level at 1000 feet", {.agl = 1000, .ticks = 130}, "Cruise",
        "Cruise.wav|FlightGoodSoFar.wav", "Cruise...", 7},
-      {"twenty seconds of descent", {.vs = -500, .ticks = 42}, "Landing", "", "Landing...", 7},
+      {"twenty seconds of descent", {.vs = -500, .ticks = 42}, "Landing",
+       kApproachOpens + "|GlideslopeNotAlive.wav", "Landing...", 7},
       {"touchdown", {.onGround = 1, .agl = 0, .gs = 60, .vs = -200, .ticks = 2}, "",
        "Touchdown.WAV", ""},
       // Nothing gathered on the approach, no profile: the rescued 21 points.
@@ -136,7 +142,7 @@ TEST(FlightModes, TheFlightBeginsInTheModeOfTheAircraft) {
       {"on the ground", {.onGround = 1}, "Taxiing", "", kChanged + "Taxiing...", 3},
       {"above 1000 feet", {.onGround = 0, .agl = 1000.7, .gs = 90}, "Cruise", "",
        kChanged + "Cruise...", 3},
-      {"at 1000 feet or below", {.onGround = 0, .agl = 997.4, .gs = 90}, "Landing", "",
+      {"at 1000 feet or below", {.onGround = 0, .agl = 997.4, .gs = 90}, "Landing", kApproachOpens,
        kChanged + "Landing...", 7},
   };
   for (const Step& row : rows) {
