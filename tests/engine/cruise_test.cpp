@@ -163,7 +163,6 @@ TEST(CruiseSpeeds, StallGearAndNeverExceed) {
       {"gear too fast", "", "retractable ias=141", "RaiseGear.wav:2 +ExceedGearDown"},
       {"gear up, sinking", "agl=122;gear=0", "agl=120 ias=139", "LowerGear.wav:1"},
       {"gear up, fast", "agl=122;gear=0", "agl=120 ias=140", "SlowDownSoYouCanLowerGear.wav:1"},
-      {"gear up, a float plane", "agl=122;gear=0", "agl=120 ias=139 float", ""},
       {"float plane", "float agl=122;gear=0", "agl=120", ""},
       {"flaps out", "", "flaps=256", "CruisingWithFlaps.wav:1"},
   });
