@@ -109,8 +109,8 @@ bool ConnectToFS(Cockpit& c) {
   f.UnknownAircraftShown = false;
   f.CrashOnLanding = false;
   f.Crashed = false;
-  // The taxi-advice latches and the approach bests (-55555) start afresh here
-  // (ground and approach monitors).
+  f.Ground = GroundState{};
+  // The approach bests (-55555) start afresh here (approach monitors).
   f.FlightStarted = false;
   f.FlightStartTick = 0;
   f.TickCount = 0;

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 
+#include "engine/ground_state.h"
 #include "engine/stats_view.h"
 #include "link/fsdata.h"
 #include "records/clocks.h"
@@ -95,6 +96,8 @@ struct FlightState {
   const FlightStats& Flight() const { return Flights[static_cast<size_t>(CurrentFlight)]; }
 
   Clocks clocks;
+
+  GroundState Ground;  // the ground rules' memory
 };
 
 }  // namespace vantoro
