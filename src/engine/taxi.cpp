@@ -33,10 +33,10 @@ constexpr int32_t kFlapsTaxiRedAboveGS = 5;
 // Taxiing in wind.
 constexpr int32_t kWindAdviceAboveKnots = 4;
 constexpr int32_t kWindAdviceAboveGS = 2;
-constexpr int32_t kElevatorHeld = 6000;       // either way off neutral
-constexpr int32_t kWindBehindDegrees = 100;   // further off the nose than this
-constexpr int32_t kWindAheadDegrees = 80;     // within this of the nose
-constexpr int32_t kCrossWindFrom = 20;        // crosswind quarters, degrees off the nose
+constexpr int32_t kElevatorHeld = 6000;      // either way off neutral
+constexpr int32_t kWindBehindDegrees = 100;  // further off the nose than this
+constexpr int32_t kWindAheadDegrees = 80;    // within this of the nose
+constexpr int32_t kCrossWindFrom = 20;       // crosswind quarters, degrees off the nose
 constexpr int32_t kCrossWindBeam = 90;
 constexpr int32_t kCrossWindTo = 160;
 
@@ -58,7 +58,9 @@ bool IsJet(const AircraftValues& a) {
          a.IsType(AircraftType::Lear45) || a.IsType(AircraftType::CRJ700);
 }
 
-bool Within(int32_t value, int32_t low, int32_t high) { return value >= low && value <= high; }
+bool Within(int32_t value, int32_t low, int32_t high) {
+  return value >= low && value <= high;
+}
 
 void Counted(Cockpit& c, bool given, FlightCounter field) {
   if (given) Count(c.flight.Flight(), field, c.events, c.flight.TickCount);
