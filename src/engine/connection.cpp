@@ -164,8 +164,9 @@ bool ConnectToFS(Cockpit& c) {
   f.UnknownAircraftShown = false;
   f.CrashOnLanding = false;
   f.Crashed = false;
-  // The taxi-advice latches start afresh here (ground monitors); the approach
-  // has no destination and its bests are not measured yet.
+  // The taxi-advice latches start afresh; the approach has no destination and
+  // its bests are not measured yet.
+  f.Ground = GroundState{};
   f.approach = {};
   f.FlightStarted = false;
   f.FlightStartTick = 0;

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "engine/approach_state.h"
+#include "engine/ground_state.h"
 #include "engine/runway_choice.h"
 #include "engine/stats_view.h"
 #include "link/fsdata.h"
@@ -101,6 +102,7 @@ struct FlightState {
   // The nearest and the landing runway of the world data.
   RunwayChoice Runways;
   ApproachState approach;  // the approach monitors
+  GroundState Ground;      // the ground rules' memory
 };
 
 }  // namespace vantoro

@@ -8,6 +8,13 @@
 
 namespace vantoro {
 
+// The choices of EndFlightWhen: a landed flight ends when the aircraft stops
+// or taxiing begins, when it stops with the parking brake set, or when it
+// stops braked with the engines shut down.
+inline constexpr int kEndFlightWhenStoppedOrTaxiing = 0;
+inline constexpr int kEndFlightWhenBrakeSet = 1;
+inline constexpr int kEndFlightWhenShutDown = 2;
+
 struct EngineOptions {
   bool AutoDetectModeCruise = true;
   bool AutoDetectModeLanding = true;

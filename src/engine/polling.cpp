@@ -8,6 +8,7 @@
 #include "base/numbers.h"
 #include "engine/approach.h"
 #include "engine/cruise.h"
+#include "engine/ground.h"
 #include "engine/tick_rules.h"
 #include "world/geo.h"
 
@@ -142,11 +143,12 @@ void ProcessTick(Cockpit& c) {
   if (now.OnGround > 0 && f.GroundLatch == 1) {
     LandingOnGround(c);
     LeaveLanding(c);
-    // The flight ends here as the pilot chose (EndFlight), or with a
-    // touch-and-go; then the gentle turns and the take-off rules (ground monitors).
-    // The taxi rules run here (ground monitors); at take-off speed the taxi
-    // becomes a take-off:
-    TaxiSpeedTakeOff(c);
+    EndFlightAsChosen(c);
+    EntryIntoTakeOff(c);
+    SteeringAfterTouchdown(c);
+    EntryIntoTaxi(c);
+    GroundRules(c);
+    TaxiRules(c);
   } else if (f.GroundLatch != 1) {
     // Random failures, the fuel leak and the waypoints run here.
     GlideslopeCapture(c);

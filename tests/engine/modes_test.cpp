@@ -33,16 +33,19 @@ const std::string kApproachOpens =
 // clang-format off
 TEST(FlightModes, ACircuitByHotKeys) {
   FlightRig rig;
+  rig.instructor.options.EndFlightWhen = kEndFlightWhenBrakeSet;
   rig.Ready();
   FlyAndCheck(rig, {
-      {"key 7 on the runway", {.key = 7}, "TakeOff", "", "Take Off...", 3},
+      {"key 7 on the runway", {.key = 7}, "TakeOff",
+       "TakeOff.wav|TeachLightTakeOffPower.wav|VisibilityIs.wav|VeryBad.wav|Wind.wav|Calm.wav",
+       "Take Off...", 3},
       {"lift-off in TakeOff", {.onGround = 0, .agl = 300, .gs = 70}, "", "", ""},
       {"key 1 in the climb", {.key = 1, .agl = 3000, .ticks = 30}, "Cruise",
        "Cruise.wav|FlightGoodSoFar.wav", "Cruise...", 3},
       {"key 7 in the cruise", {.key = 7}, "Landing", kApproachOpens + "|GlideslopeNotAlive.wav",
        "Landing...", 3},
       {"touchdown", {.onGround = 1, .agl = 0, .gs = 60, .ticks = 2}, "", "Touchdown.WAV", ""},
-      {"key 1 on the roll-out", {.key = 1}, "Taxiing", "", "Taxiing...", 3},
+      {"key 1 on the roll-out", {.key = 1}, "Taxiing", "Taxiing.wav", "Taxiing...", 3},
   });
   EXPECT_TRUE(rig.stats().TookOff);
   EXPECT_EQ(rig.instructor.sound.Status.Mode, "Taxiing  ");
@@ -50,9 +53,11 @@ TEST(FlightModes, ACircuitByHotKeys) {
 
 TEST(FlightModes, ACircuitWithoutKeys) {
   FlightRig rig;
+  rig.instructor.options.EndFlightWhen = kEndFlightWhenBrakeSet;
   rig.Ready();
   FlyAndCheck(rig, {
-      {"take-off roll at 35 knots", {.gs = 35}, "TakeOff", "", "Take Off...", 6},
+      {"take-off roll at 35 knots", {.gs = 35}, "TakeOff", "AmberTaxiSlower.wav", "Take Off...",
+       6},
       {"lift-off", {.onGround = 0, .agl = 20, .gs = 70}, "", "", ""},
       {"a minute level at 1000 feet", {.agl = 1000, .ticks = 130}, "Cruise",
        "Cruise.wav|FlightGoodSoFar.wav", "Cruise...", 7},
@@ -64,7 +69,7 @@ TEST(FlightModes, ACircuitWithoutKeys) {
       {"roll-out at 19 knots", {.gs = 19}, "",
        "IRateYourLandingAt.WAV|20.WAV|1.wav|Points.WAV|ApproachWas.wav|0.WAV|Percent.WAV|"
        "ForTheGlideSlopeAnd.wav|0.WAV|Percent.WAV|ForTheLocalizer.wav", ""},
-      {"below 15 knots", {.gs = 14}, "Taxiing", "", ""},
+      {"below 15 knots", {.gs = 14}, "Taxiing", "Taxiing.wav", ""},
   });
   EXPECT_TRUE(rig.stats().LandingHasReachedEvaluationStage);
 }
@@ -109,12 +114,12 @@ TEST(FlightModes, TheRollOutEvaluatesAFlightOfMoreThanThirtySeconds) {
 }
 
 TEST(FlightModes, HotKeysMoveTheModeOrSayWhyNot) {
-  struct Row { std::vector<Leg> reach; bool engine; int key; std::string mode, message; };
+  struct Row { std::vector<Leg> reach; bool engine; int key; std::string mode, message, sounds = ""; };
   const std::vector<Row> rows = {
       {{}, false, 1, "", ""},  // no engine: a remark instead
       {{}, true, 2, "", "Cannot back-up flight mode."},
       {kTakeOffOnGround, true, 7, "", "Cannot advance flight mode."},
-      {kTakeOffOnGround, true, 8, "Taxiing", "Taxiing..."},
+      {kTakeOffOnGround, true, 8, "Taxiing", "Taxiing...", "Taxiing.wav"},
       {CruiseAt(3000), true, 8, "TakeOff", "Take Off..."},
       {LandingAt(3000), true, 2, "Cruise", "Cruise..."},
       {LandingAt(3000), true, 1, "", "Cannot advance flight mode."},
@@ -131,7 +136,7 @@ TEST(FlightModes, HotKeysMoveTheModeOrSayWhyNot) {
     EXPECT_EQ(rig.Messages(), row.message);
     const std::string remark = row.engine ? "" : "TakeOffWithNoEngineRunning.wav";
     EXPECT_EQ(rig.Texts("remark", "file"), remark);
-    EXPECT_EQ(rig.Queued(), remark);
+    EXPECT_EQ(rig.Queued(), remark + row.sounds);
   }
 }
 
