@@ -145,8 +145,10 @@ int ReplayCommand(const CommandArgs& args, CliContext& cli) {
     cli.err << "vantoro-cli replay: cannot make the output folder " << a.out << '\n';
     return kExitBadInput;
   }
+  std::string pilotCopy;
   if (!pilot.empty()) {
     const std::string copy = (fs::path(a.out) / fs::path(pilot).filename()).string();
+    pilotCopy = copy;
     if (!WriteFileAtomic(copy, ReadFile(pilot))) {
       cli.err << "vantoro-cli replay: cannot copy the pilot file to " << copy << '\n';
       return kExitBadInput;
@@ -171,6 +173,10 @@ int ReplayCommand(const CommandArgs& args, CliContext& cli) {
   };
   try {
     replay = std::make_unique<Replay>(ReplaySetup{a.root, a.seed, a.instant}, fan);
+    // The flight log and the log book are written beside the pilot's copy, and
+    // the score marker files in the same folder, not in the program's.
+    replay->instructor().scores.PilotFile = pilotCopy;
+    replay->instructor().scores.MarkerFolder = TidyFolder(a.out);
     if (a.events.empty()) {
       transcript = std::make_unique<Transcript>(cli.out, replay->VirtualMs());
       fan.Add(transcript.get());

@@ -36,6 +36,7 @@ struct EngineOptions {
   // From the pilot file (AutoDetectMode... and AnnounceNearestAirport above too).
   std::string PilotName;
   std::string PilotFile;  // the current pilot file; his flight log lies beside it
+  std::string PilotImage;  // path of the pilot's picture, or empty
   bool HaveYokePressure = false;
   bool RudderController = false;
   bool WantTaxiInWindAdvice = true;
