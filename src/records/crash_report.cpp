@@ -50,6 +50,7 @@ std::string UrlText(std::string_view s) {
 
 void LeaveMarker(std::string_view root, std::string_view file, double score,
                  const ScoreLinkInputs& in) {
+  if (root.empty()) return;
   const std::string path = std::string(root) + std::string(file);
   if (FileExists(path)) return;
   WriteFileAtomic(path, "<vantoro><url>" + ScoreLink(score, in) + "</url><score>" +

@@ -55,8 +55,8 @@ struct ScoreLinkInputs {
 // The submission link of one score.
 std::string ScoreLink(double score, const ScoreLinkInputs& in);
 // The text of the log book page with one link per score; creates the marker
-// files under `root` (the program's folder, ending in "\") when a score
-// first passes its mark.
+// files under `root` (the program's folder, ending in "\"; empty: none)
+// when a score first passes its mark.
 std::string GenerateScoreLinks(std::string_view root, const ScoreLinkInputs& in);
 
 }  // namespace vantoro
