@@ -12,10 +12,12 @@
 
 #include "base/failure.h"
 #include "base/files.h"
+#include "base/ini.h"
 #include "cli/commands.h"
 #include "cli/event_writers.h"
 #include "cli/replay.h"
 #include "link/recording.h"
+#include "shell/pilot.h"
 
 namespace fs = std::filesystem;
 
@@ -177,6 +179,13 @@ int ReplayCommand(const CommandArgs& args, CliContext& cli) {
     // the score marker files in the same folder, not in the program's.
     replay->instructor().scores.PilotFile = pilotCopy;
     replay->instructor().scores.MarkerFolder = TidyFolder(a.out);
+    // The reports name the pilot and show his picture.
+    if (!pilotCopy.empty()) {
+      PilotRecord named;
+      ReadPilotEntries(ParseINIText(ReadFile(pilotCopy), true), named);
+      replay->instructor().options.PilotName = named.name;
+      replay->instructor().options.PilotImage = named.image;
+    }
     if (a.events.empty()) {
       transcript = std::make_unique<Transcript>(cli.out, replay->VirtualMs());
       fan.Add(transcript.get());

@@ -94,7 +94,8 @@ std::string CrashReport(const CrashScene& s) {
   r += "* Ground Speed: " + Whole(b.GS) + " kts" + br;
   r += "* IAS: " + Whole(b.IAS) + " kts" + br;
   r += "* Pitch: " + Whole(b.Pitch) + " degrees" + br;
-  if (b.IAS > b.BarberPole) r += "* Overspeed" + br;
+  // A barber pole of 0 is a speed limit the simulator did not give.
+  if (b.BarberPole > 0 && b.IAS > b.BarberPole) r += "* Overspeed" + br;
   r += std::string("* COM1: ") + (b.Com1Freq == kEmergencyCom1 ? "Emergency" : "Standard") + br;
   if (b.Squawk == kSquawkInterceptor) r += "* Transponder: Military,Interceptor" + br;
   if (b.Squawk == kSquawkEmergency) r += "* Transponder: Emergency" + br;
