@@ -17,11 +17,8 @@ bool HasFlaps(const AircraftValues& a) {
   return a.FlapAngleLimit[1] > 0;
 }
 
-void AppendToLogDisplay(ScoreState& s, const std::string& markedUp) {
-  s.LogBookText += std::string(kLineBreak) + RemoveMarkup(markedUp);
-  s.LogBookMarkup += std::string(kLineBreak) + markedUp;
-}
-
+// A report joins the log display (plain) and its marked-up copy on a line of
+// its own.
 void AppendReport(std::string& text, const std::string& report) {
   if (!text.empty()) text += kLineBreak;
   text += report;
@@ -53,7 +50,8 @@ void ScoreAndRecordFlight(Cockpit& c) {
   flight.LandingScore = s.LandingScore;
   flight.FlightScore = s.FlightScore;
   flight.CircuitScore = s.CircuitScore;
-  AppendToLogDisplay(s, s.FlightSummary);
+  AppendReport(s.LogBookText, RemoveMarkup(s.FlightSummary));
+  AppendReport(s.LogBookMarkup, s.FlightSummary);
 
   c.events.Emit(f.TickCount, "flight",
                 {{"index", f.CurrentFlight},
