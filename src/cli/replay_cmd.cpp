@@ -12,10 +12,12 @@
 
 #include "base/failure.h"
 #include "base/files.h"
+#include "base/ini.h"
 #include "cli/commands.h"
 #include "cli/event_writers.h"
 #include "cli/replay.h"
 #include "link/recording.h"
+#include "shell/pilot.h"
 
 namespace fs = std::filesystem;
 
@@ -145,8 +147,10 @@ int ReplayCommand(const CommandArgs& args, CliContext& cli) {
     cli.err << "vantoro-cli replay: cannot make the output folder " << a.out << '\n';
     return kExitBadInput;
   }
+  std::string pilotCopy;
   if (!pilot.empty()) {
     const std::string copy = (fs::path(a.out) / fs::path(pilot).filename()).string();
+    pilotCopy = copy;
     if (!WriteFileAtomic(copy, ReadFile(pilot))) {
       cli.err << "vantoro-cli replay: cannot copy the pilot file to " << copy << '\n';
       return kExitBadInput;
@@ -171,6 +175,17 @@ int ReplayCommand(const CommandArgs& args, CliContext& cli) {
   };
   try {
     replay = std::make_unique<Replay>(ReplaySetup{a.root, a.seed, a.instant}, fan);
+    // The flight log and the log book are written beside the pilot's copy, and
+    // the score marker files in the same folder, not in the program's.
+    replay->instructor().scores.PilotFile = pilotCopy;
+    replay->instructor().scores.MarkerFolder = TidyFolder(a.out);
+    // The reports name the pilot and show his picture.
+    if (!pilotCopy.empty()) {
+      PilotRecord named;
+      ReadPilotEntries(ParseINIText(ReadFile(pilotCopy), true), named);
+      replay->instructor().options.PilotName = named.name;
+      replay->instructor().options.PilotImage = named.image;
+    }
     if (a.events.empty()) {
       transcript = std::make_unique<Transcript>(cli.out, replay->VirtualMs());
       fan.Add(transcript.get());

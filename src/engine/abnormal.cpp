@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "base/numbers.h"
+#include "engine/end_flight.h"
 #include "engine/tick_rules.h"
 #include "records/clocks.h"
 #include "records/flight_stats.h"
@@ -48,7 +49,7 @@ bool DeclareCrash(Cockpit& c, std::string_view sound) {
   f.Flight().FlightCrashed = true;
   if (!f.FlightStarted) return false;
   AutoDisconnect(c, "Crash");
-  // The crash report is written here (crash report).
+  WriteCrashReport(c);
   return true;
 }
 

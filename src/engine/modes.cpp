@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "engine/approach.h"
+#include "engine/end_flight.h"
 #include "engine/tick_rules.h"
 #include "records/clocks.h"
 #include "records/flight_stats.h"
@@ -112,7 +113,7 @@ void EvaluateLanding(Cockpit& c) {
   if (!f.FlightStarted) return;
   AutoDisconnect(c, "Crash");
   c.scores.LogBookText = std::string(kAutoDisconnection) + "\r\n" + "Crash";
-  // The crash report is written here (WriteCrashReport).
+  WriteCrashReport(c);
 }
 
 }  // namespace

@@ -45,6 +45,7 @@ struct EngineOptions {
   std::string PilotFile;  // the current pilot file; his flight log lies beside it
   // A new pilot not yet saved to a file: Connect is refused until he is.
   bool PilotUnsaved = false;
+  std::string PilotImage;  // path of the pilot's picture, or empty
   bool HaveYokePressure = false;
   bool RudderController = false;
   bool WantTaxiInWindAdvice = true;

@@ -31,6 +31,11 @@ struct ScoreState {
   // The pilot's record; the flight log (".dat") and the log book (".htm")
   // lie beside it under its name. Empty: no pilot file, nothing is written.
   std::string PilotFile;
+  // The program's folder, where the score marker files are left (ending in
+  // "\"); empty: none are left.
+  std::string MarkerFolder;
+  // The score links of the log book page, from the last scored flight.
+  std::string ScoreLinks;
 };
 
 }  // namespace vantoro

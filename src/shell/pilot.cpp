@@ -129,6 +129,7 @@ void RefreshPilotData(PilotTab& tab, SoundState& sound, EngineOptions& o) {
   o.PilotName = r.name;
   o.PilotFile = tab.CurrentPilotFile;
   o.PilotUnsaved = tab.CurrentPilotFile.empty();
+  o.PilotImage = r.image;
   o.HaveYokePressure = r.HaveYokePressure;
   o.RudderController = r.RudderController;
   o.WantTaxiInWindAdvice = r.WantTaxiInWindAdvice;

@@ -83,11 +83,13 @@ TEST(AbnormalSituations, ASimulatorCrashIsHeardAndEndsTheConnection) {
     rig.Water(water);
     rig.Crashed(true);
     rig.Tick(3);
-    // The crash sound keeps its family shut against the disconnection sound.
-    EXPECT_EQ(rig.Queued(),
-              water ? "LooksLikeYouveCrashedThePlaneInWater.wav" : "YouCrashedThePlane1.WAV");
+    // The crash sound keeps its family shut against the disconnection sound;
+    // the crashed flight is then closed and the next one begins.
+    EXPECT_EQ(rig.Queued(), std::string(water ? "LooksLikeYouveCrashedThePlaneInWater.wav"
+                                              : "YouCrashedThePlane1.WAV") +
+                                "|GoodFlight.wav|StartingANewFlight.wav");
     EXPECT_EQ(rig.Disconnects(), "Crash");
-    EXPECT_TRUE(rig.stats().FlightCrashed);
+    EXPECT_TRUE(rig.flight().Flights[1].FlightCrashed);
   }
 }
 

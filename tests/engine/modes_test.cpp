@@ -99,13 +99,17 @@ TEST(FlightModes, TheRollOutEvaluatesAFlightOfMoreThanThirtySeconds) {
     rig.Bank(row.bankAtRollOut);
     rig.Mark();
     rig.Fly({.gs = 19});
-    EXPECT_EQ(rig.stats().FlightDuration, row.duration);
+    // A crash closes its flight at once: the evaluated flight is the first.
+    EXPECT_EQ(rig.instructor.flight.Flights[1].FlightDuration, row.duration);
     EXPECT_EQ(rig.Queued().find("IRateYourLandingAt.WAV") != std::string::npos, row.spoken);
     EXPECT_EQ(rig.Since("landing").size(), row.spoken ? 1u : 0u);
     EXPECT_EQ(rig.Disconnects(), row.disconnect);
     EXPECT_EQ(rig.flight().CrashOnLanding, !row.disconnect.empty());
     if (!row.disconnect.empty()) {
-      EXPECT_EQ(rig.instructor.scores.LogBookText, "AUTO-Disconnection due to:\r\nCrash");
+      // The findings of the crash follow the reason of the disconnection.
+      EXPECT_TRUE(rig.instructor.scores.LogBookText.starts_with(
+          "AUTO-Disconnection due to:\r\nCrash\r\n piloting Cessna Skyhawk ended"));
+      EXPECT_NE(rig.instructor.scores.LogBookText.find("AIRCRAFT CRASHED"), std::string::npos);
     }
     // Evaluated or not, the approach gathers afresh for the next one.
     EXPECT_EQ(rig.instructor.approach.ILSGlideslopeSum, kNothingGathered);
