@@ -122,8 +122,11 @@ TEST(ClosingFlights, ACrashInTheAirIsReportedFromTheTickBeforeTheWreck) {
   rig.Bank(0);
   rig.Tick();
 
-  // A crash is commented on like any flight, then the next one begins.
-  EXPECT_EQ(rig.Queued(), "YouCrashedThePlane1.WAV|GoodFlight.wav|StartingANewFlight.wav");
+  // A crash is commented on like any flight (the 40 degrees of bank before it
+  // were steep and rough), then the next one begins.
+  EXPECT_EQ(rig.Queued(),
+            "YouCrashedThePlane1.WAV|YouNeedToImprove.wav|RoughTurns.wav|ExcessiveBanking.wav|"
+            "ProblemsYouNeedToWorkOn.wav|StartingANewFlight.wav");
   EXPECT_EQ(rig.flight().CurrentFlight, 2);
   const std::string shown = rig.instructor.scores.LogBookText;
   for (const char* part :
