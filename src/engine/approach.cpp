@@ -22,7 +22,6 @@ namespace {
 // Glide slope in degrees to height gain in feet per nautical mile.
 constexpr int32_t kGlidePathFeetPerDegree = 96;
 // How far ahead a landing runway is looked for, nautical miles.
-constexpr double kLandingRunwaySearchMiles = 15;
 // The landing runway is picked again on the way down through this height.
 
 constexpr double kGlideslopeAnnounceAbove = 150;  // feet AGL
@@ -103,12 +102,33 @@ void SetDestinationRunway(ApproachState& a, ApproachRatings& ratings, const Runw
   ratings.VisualRunwayLength = runway.Length;
 }
 
+// At an airfield close by, the pilot is flying its circuit: he lands on the
+// runway that faces most into the surface wind.
+const Runway* RunwayIntoWindNearby(const WorldState& world, const FSData& now) {
+  const Runway* nearest =
+      FindClosestRunway(world, now.Latitude, now.Longitude, kNoLimit, kCircuitAirfieldMiles, false);
+  if (nearest == nullptr) return nullptr;
+  const Runway* best = nearest;
+  int32_t bestAngle = 181;
+  for (const Runway* r : world.CloseRunways) {
+    if (r->ICAO != nearest->ICAO) continue;
+    const int32_t angle = std::abs(RelativeBearing(r->Heading, now.SurfaceWindDirection));
+    if (angle < bestAngle) {
+      best = r;
+      bestAngle = angle;
+    }
+  }
+  return best;
+}
+
 bool PickDestinationRunway(Cockpit& c, bool anyDirection) {
   if (!c.world.RunwaysLoaded()) return false;
   const FSData& now = c.link.Now();
   FillCloseRunways(c.world, now.Latitude, now.Longitude);
-  const Runway* found = FindClosestRunway(c.world, now.Latitude, now.Longitude, now.TrueHeading,
-                                          kLandingRunwaySearchMiles, true);
+  const Runway* found = anyDirection ? RunwayIntoWindNearby(c.world, now) : nullptr;
+  if (found == nullptr)
+    found = FindClosestRunway(c.world, now.Latitude, now.Longitude, now.TrueHeading,
+                              kLandingRunwaySearchMiles, true);
   if (found == nullptr && anyDirection) {
     found = FindClosestRunway(c.world, now.Latitude, now.Longitude, kNoLimit,
                               kLandingRunwaySearchMiles, false);

@@ -30,7 +30,12 @@ void PickLandingRunway(Cockpit& c) {
     // The working set may be up to 31 ticks old: it is taken afresh here.
     FillCloseRunways(c.world, now.Latitude, now.Longitude);
     const Runway* ahead = FindClosestRunway(c.world, now.Latitude, now.Longitude,
-                                            c.flight.GroundTrack, kNoLimit, true);
+                                            c.flight.GroundTrack, kLandingRunwaySearchMiles, true);
+    // Coming down on a base leg nothing lies ahead: the nearest runway is the
+    // one the circuit is flown to.
+    if (ahead == nullptr)
+      ahead = FindClosestRunway(c.world, now.Latitude, now.Longitude, kNoLimit,
+                                kLandingRunwaySearchMiles, false);
     if (ahead != nullptr) {
       r.LandingRunway = ahead;
       // The approach rules coach down to it from here on.

@@ -202,3 +202,32 @@ TEST(Replay, TheDeliveredWorldIsLoadedAtConnectAndTheNearestRunwayFound) {
 
 }  // namespace
 }  // namespace vantoro
+
+namespace vantoro {
+namespace {
+
+// The demo circuit at Oxford with the delivered world: the approach finds
+// runway 01, the one into the wind, and the landing on it is judged as one.
+TEST(Replay, TheDemoCircuitIsJudgedAgainstTheRunwayIntoTheWind) {
+  Recording r;
+  std::string error;
+  ASSERT_TRUE(ParseRecording(
+      "demo", ReadFile(testing::DataRoot() + "/Recordings/demo-c172-circuit.vrec"), r, error))
+      << error;
+  EventLog log;
+  Replay replay(ReplaySetup{testing::DataRoot(), 1, true}, log);
+  replay.Run(r);
+  const std::vector<Event> landings = log.OfType("landing");
+  ASSERT_EQ(landings.size(), 1u);
+  const std::string report = landings[0].Text("report");
+  for (const char* line : {"* Landed on runway surface.", "* Heading aligned with runway.",
+                           "* Distance from runway threshold (visual approach): [1113 feet]"})
+    EXPECT_NE(report.find(line), std::string::npos) << line;
+  const EventValue* score = landings[0].Find("score");
+  ASSERT_NE(score, nullptr);
+  EXPECT_GT(std::get<double>(*score), 80.0);
+  EXPECT_EQ(log.OfType("flight").size(), 1u);
+}
+
+}  // namespace
+}  // namespace vantoro
