@@ -179,12 +179,15 @@ int ReplayCommand(const CommandArgs& args, CliContext& cli) {
     // the score marker files in the same folder, not in the program's.
     replay->instructor().scores.PilotFile = pilotCopy;
     replay->instructor().scores.MarkerFolder = TidyFolder(a.out);
-    // The reports name the pilot and show his picture.
+    // The pilot flies with his own choices; the reports name him and show
+    // his picture.
     if (!pilotCopy.empty()) {
-      PilotRecord named;
-      ReadPilotEntries(ParseINIText(ReadFile(pilotCopy), true), named);
-      replay->instructor().options.PilotName = named.name;
-      replay->instructor().options.PilotImage = named.image;
+      Instructor& in = replay->instructor();
+      if (std::string problem = LoadPilotData(pilotCopy, in.pilot, in.sound, in.options);
+          !problem.empty()) {
+        cli.err << "vantoro-cli replay: " << problem << '\n';
+        return kExitBadInput;
+      }
     }
     if (a.events.empty()) {
       transcript = std::make_unique<Transcript>(cli.out, replay->VirtualMs());
