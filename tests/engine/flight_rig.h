@@ -5,6 +5,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cmath>
 #include <filesystem>
@@ -128,7 +129,8 @@ class FlightRig {
   std::string Root() {
     const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
     dir_ = std::filesystem::temp_directory_path() /
-           (std::string("vantoro-engine-") + test->test_suite_name() + "-" + test->name());
+           (std::string("vantoro-engine-") + std::to_string(::getpid()) + "-" +
+            test->test_suite_name() + "-" + test->name());
     std::filesystem::remove_all(dir_);
     std::filesystem::create_directories(dir_ / "Sound" / "Bench");
     return dir_.string() + "/";
