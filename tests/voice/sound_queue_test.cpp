@@ -97,10 +97,9 @@ class Booth : public ::testing::Test {
 };
 
 TEST_F(Booth, GateIsStrictAndOutlivesATickReset) {
+  // Gap 30; the last: TickCount was reset, the old stamp holds.
   const std::tuple<int32_t, int32_t, bool> cases[] = {
-      {0, 20, false}, {0, 30, false},  {0, 31, true}, {50, 80, false},
-      {50, 81, true}, {500, 10, false}};  // gap 30; the last: TickCount was reset, the old stamp
-                                          // holds
+      {50, 80, false}, {50, 81, true}, {500, 10, false}};
   for (bool purge : {false, true}) {
     for (auto [last, now, passes] : cases) {
       Reset();
@@ -281,18 +280,13 @@ TEST_F(Booth, MessageLineAsThePilotReadsIt) {
   }
 }
 
-TEST_F(Booth, RecordingsPlayForTheirHeadersDuration) {
+TEST(Wav, RecordingsLastForTheirHeadersDuration) {
   const std::pair<std::string, int64_t> cases[] = {
       {Wav(1000, "LIST" + Le(3, 4) + "abc" + '\0'), 1000},  // an odd chunk is padded
       {Wav(500, "", 0xFFFFFFFF), 500},                      // streamed: what the file holds
       {Wav(500, "", 0, 2), 0},                              // torn format
   };
   for (const auto& [bytes, ms] : cases) EXPECT_EQ(ParseWavHeader(bytes).durationMs, ms);
-  VirtualAudio instant(true);  // every file ends at the next step
-  instant.Play(root + "/Sound/Anna/Long.wav");
-  EXPECT_TRUE(instant.IsPlaying());
-  instant.Advance(125);
-  EXPECT_FALSE(instant.IsPlaying());
 }
 
 }  // namespace

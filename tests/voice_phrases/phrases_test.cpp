@@ -46,22 +46,16 @@ TEST_F(Phrases, NumbersAreSaidFileForFile) {
     Files files;
   } cases[] = {
       {0, {"0.WAV"}},
-      {3.5, {"3.wav", "Point.WAV", "5.wav", "0.wav"}},
       {-3.5, {"minus.WAV", "3.wav", "Point.WAV", "5.wav", "0.wav"}},
-      {7, {"7.wav"}},
       {13, {"13.WAV"}},
       {20, {"20.WAV"}},
       {21, {"20.WAV", "1.wav"}},
-      {87.25, {"80.WAV", "7.wav", "Point.WAV", "2.wav", "5.wav"}},
       {0.5, {"Point.WAV", "5.wav", "0.wav"}},
       {100, {"100.WAV"}},
-      {100.5, {"100.WAV", "Point.WAV", "5.wav", "0.wav"}},
       {101, {"100And.WAV", "1.wav"}},
-      {145, {"100And.WAV", "40.WAV", "5.wav"}},
       {199, {"100And.WAV", "90.WAV", "9.wav"}},
       // 200 and above fall through every branch after "100And".
       {200, {"100And.WAV"}},
-      {350, {"100And.WAV"}},
       // A landing score truncated to two decimals keeps both of them.
       {72.29, {"70.WAV", "2.wav", "Point.WAV", "2.wav", "9.wav"}},
   };
@@ -75,8 +69,6 @@ TEST_F(Phrases, LargeValuesAreSpeltDigitByDigit) {
             (Files{"100And.WAV", "90.WAV", "9.wav"}));
   EXPECT_EQ(Said([](Voice& v) { SpeakAsANumberAlways(v, 200); }),
             (Files{"2.wav", "0.wav", "0.wav"}));
-  EXPECT_EQ(Said([](Voice& v) { SpeakAsANumberAlways(v, 4500); }),
-            (Files{"4.wav", "5.wav", "0.wav", "0.wav"}));
 }
 
 TEST_F(Phrases, DurationsSayHoursOnlyWhenThereAreAny) {
@@ -86,9 +78,7 @@ TEST_F(Phrases, DurationsSayHoursOnlyWhenThereAreAny) {
   } cases[] = {
       {0, {"0.WAV", "Minutes.wav"}},
       {1, {"1.wav", "Minute.wav"}},
-      {45, {"40.WAV", "5.wav", "Minutes.wav"}},
       {61, {"1.wav", "Hour.wav", "1.wav", "Minute.wav"}},
-      {150, {"2.wav", "Hours.wav", "30.WAV", "Minutes.wav"}},
       {120, {"2.wav", "Hours.wav", "0.WAV", "Minutes.wav"}},
   };
   for (const auto& c : cases) {
@@ -119,13 +109,6 @@ TEST_F(Phrases, RunwayLengthAndSurface) {
     const char* surface;
     Files files;
   } cases[] = {
-      {5000,
-       "UNKNOWN",
-       {"RunwayLengthIs.wav", "5.wav", "Thousand.wav", "Feet.wav", "SurfaceIs.wav"}},
-      {12500,
-       "ASPHALT",
-       {"RunwayLengthIs.wav", "12.WAV", "Thousand.wav", "5.wav", "Hundred.wav", "Feet.wav",
-        "SurfaceIs.wav", "SASPHALT.wav"}},
       {800, "", {"RunwayLengthIs.wav", "8.wav", "Hundred.wav", "Feet.wav"}},
       // Names are matched exactly: a lower-case name has no recording of its own.
       {3050,
@@ -176,7 +159,6 @@ TEST_F(Phrases, CloudIsReportedForTheFirstLayerWithCover) {
       {{0, 12040, 6},
        {},
        {"BrokenCloud.wav", "1.wav", "2.wav", "0.wav", "0.wav", "0.wav", "feet.wav"}},
-      {{0, 800, 7}, {}, {"BrokenCloud.wav", "8.wav", "hundred.wav", "feet.wav"}},
   };
   for (const auto& c : cases) {
     EXPECT_EQ(Said([&](Voice& v) { SayCloudCoverage(v, c.first, c.second); }), c.files)
@@ -187,8 +169,7 @@ TEST_F(Phrases, CloudIsReportedForTheFirstLayerWithCover) {
 TEST_F(Phrases, ClockPositionsRoundHalfToEven) {
   const struct {
     int32_t degrees, clock;
-  } cases[] = {{0, 12},  {359, 12}, {15, 12},  {45, 2},  {75, 2},   {90, 3},
-               {105, 4}, {180, 6},  {345, 12}, {-90, 9}, {-15, 12}, {270, 9}};
+  } cases[] = {{359, 12}, {15, 12}, {45, 2}, {75, 2}, {105, 4}, {345, 12}, {-90, 9}, {-15, 12}};
   for (const auto& c : cases) EXPECT_EQ(OClock(c.degrees), c.clock) << c.degrees;
 }
 
@@ -229,20 +210,20 @@ TEST_F(Phrases, TheApproachIsAnnouncedOnceWithinAQuarterOfAnHour) {
   for (const char* f :
        {"ATISFrequencyIs.wav", "1.wav", "1.wav", "8.wav", "Decimal.wav", "3.wav", "0.wav"})
     spoken.push_back(f);
-  EXPECT_EQ(Said([&](Voice& v) { SpeakRunwayAndATIS(v, now, before, rwy, approachSpeed, false); }),
-            spoken);
+  auto approach = [&](const FSData& from, bool tune) {
+    return Said([&](Voice& v) { SpeakRunwayAndATIS(v, now, from, rwy, approachSpeed, tune); });
+  };
+  EXPECT_EQ(approach(before, false), spoken);
   EXPECT_TRUE(link.writes.empty());
   // Already inside: nothing more.
-  EXPECT_TRUE(
-      Said([&](Voice& v) { SpeakRunwayAndATIS(v, now, now, rwy, approachSpeed, false); }).empty());
+  EXPECT_TRUE(approach(now, false).empty());
 
   // With automatic tuning the frequency goes to COM2 standby twice, then COM2 is swapped.
   Files tuned = length;
   for (const char* f :
        {"TuningCOM2ToATIS.wav", "1.wav", "1.wav", "8.wav", "Decimal.wav", "3.wav", "0.wav"})
     tuned.push_back(f);
-  EXPECT_EQ(Said([&](Voice& v) { SpeakRunwayAndATIS(v, now, before, rwy, approachSpeed, true); }),
-            tuned);
+  EXPECT_EQ(approach(before, true), tuned);
   std::vector<std::pair<uint32_t, std::vector<uint8_t>>> writes;
   for (const LinkWrite& w : link.writes) writes.push_back({w.offset, w.bytes});
   const std::vector<std::pair<uint32_t, std::vector<uint8_t>>> expected = {
@@ -252,8 +233,7 @@ TEST_F(Phrases, TheApproachIsAnnouncedOnceWithinAQuarterOfAnHour) {
 
   // No ATIS with the runway data: the length alone.
   rwy.ATIS = "0";
-  EXPECT_EQ(Said([&](Voice& v) { SpeakRunwayAndATIS(v, now, before, rwy, approachSpeed, true); }),
-            length);
+  EXPECT_EQ(approach(before, true), length);
 }
 
 TEST_F(Phrases, NearestAirportAndRunwayByClock) {
@@ -272,8 +252,11 @@ TEST_F(Phrases, NearestAirportAndRunwayByClock) {
   Files nearest = {"E.wav", "G.wav",       "K.wav", "A.wav", "Bearing.wav", "9.wav",
                    "0.wav", "Degrees.wav", "1.wav", "2.wav", "Miles.wav"};
   nearest.insert(nearest.end(), length.begin(), length.end());
-  EXPECT_EQ(Said([&](Voice& v) { SayNearestAirport(v, &rwy, now); }), nearest);
-  EXPECT_EQ(Said([&](Voice& v) { SayNearestAirport(v, nullptr, now); }), Files{"negative.wav"});
+  auto say = [&](auto sentence, const Runway* r) {
+    return Said([&](Voice& v) { sentence(v, r, now); });
+  };
+  EXPECT_EQ(say(SayNearestAirport, &rwy), nearest);
+  EXPECT_EQ(say(SayNearestAirport, nullptr), Files{"negative.wav"});
 
   std::string last;
   EXPECT_EQ(Said([&](Voice& v) { SayNearestAirportAutomatically(v, &rwy, now, last); }), nearest);
@@ -284,8 +267,8 @@ TEST_F(Phrases, NearestAirportAndRunwayByClock) {
   Files atClock = {"E.wav", "G.wav",     "K.wav",           "A.wav", "1.wav",
                    "2.wav", "Miles.wav", "ElevationIs.wav", "7.wav", "Feet.wav"};
   atClock.insert(atClock.end(), length.begin(), length.end());
-  EXPECT_EQ(Said([&](Voice& v) { SpeakRunwayAtOClock(v, &rwy, now); }), atClock);
-  EXPECT_EQ(Said([&](Voice& v) { SpeakRunwayAtOClock(v, nullptr, now); }), Files{"negative.wav"});
+  EXPECT_EQ(say(SpeakRunwayAtOClock, &rwy), atClock);
+  EXPECT_EQ(say(SpeakRunwayAtOClock, nullptr), Files{"negative.wav"});
 }
 
 TEST_F(Phrases, DescentRateToTheDestination) {
@@ -294,50 +277,36 @@ TEST_F(Phrases, DescentRateToTheDestination) {
   now.Altitude = 6150;
   now.GS = 120;                       // two miles a minute
   const double lat = 50 + 20.0 / 60;  // 20 nm: ten minutes
-  EXPECT_EQ(
-      Said([&](Voice& v) { SayDescentRateToDesintation(v, "EGHH", 100, lat, 0, now); }),
-      (Files{"E.wav", "G.wav", "H.wav", "H.wav", "6.wav", "Hundred.wav", "FeetPerMinute.wav"}));
+  auto descent = [&](const char* icao) {
+    return Said([&](Voice& v) { SayDescentRateToDesintation(v, icao, 100, lat, 0, now); });
+  };
+  EXPECT_EQ(descent("EGHH"), (Files{"E.wav", "G.wav", "H.wav", "H.wav", "6.wav", "Hundred.wav",
+                                    "FeetPerMinute.wav"}));
   now.Altitude = 905;  // 805 ft in ten minutes: 80 fpm
-  EXPECT_EQ(Said([&](Voice& v) { SayDescentRateToDesintation(v, "EGHH", 100, lat, 0, now); }),
+  EXPECT_EQ(descent("EGHH"),
             (Files{"E.wav", "G.wav", "H.wav", "H.wav", "8.wav", "0.wav", "FeetPerMinute.wav"}));
+  EXPECT_TRUE(descent("").empty());
   now.Altitude = 100;  // not above the destination
-  EXPECT_TRUE(
-      Said([&](Voice& v) { SayDescentRateToDesintation(v, "EGHH", 100, lat, 0, now); }).empty());
-  EXPECT_TRUE(
-      Said([&](Voice& v) { SayDescentRateToDesintation(v, "", 100, lat, 0, now); }).empty());
+  EXPECT_TRUE(descent("EGHH").empty());
 
   now.Altitude = 6100;
   now.GS = 0;
-  Voice v = V();
   try {
-    SayDescentRateToDesintation(v, "EGHH", 100, lat, 0, now);
+    descent("EGHH");
     FAIL() << "a ground speed of 0 must end in the failure report";
   } catch (const FailureReport& f) {
     EXPECT_EQ(f.location(), "SayDescentRateToDesintation");
   }
 }
 
-TEST_F(Phrases, SpellingGoesStraightToTheRingAndASentenceLosesItsTail) {
-  log.events.clear();
-  Voice v = V();
-  PlayStringPhoneticallyAlways(v, "K7.");
-  const auto queued = log.OfType("queued");
-  ASSERT_EQ(queued.size(), 3u);
-  EXPECT_EQ(queued[2].Text("file"), "..wav");
-  for (const Event& e : queued) {
+TEST_F(Phrases, SpellingGoesStraightToTheRing) {
+  EXPECT_EQ(Said([](Voice& v) { PlayStringPhoneticallyAlways(v, "K7."); }),
+            (Files{"K.wav", "7.wav", "..wav"}));
+  for (const Event& e : log.OfType("queued")) {
     EXPECT_EQ(e.Text("by"), "PlaySound");
     EXPECT_EQ(e.Int("valid"), 120);
   }
   EXPECT_EQ(s.Channels[0].Entries[0].Path, "Sound\\Anna\\K.wav");
-
-  // 3 waiting and 14 more leave room for 3: the tail of the number is lost.
-  for (int i = 0; i < 14; ++i) PlayAlways(v, "Hello.wav");
-  log.events.clear();
-  SpeakThisNumberAlways(v, -87.25);
-  Files kept;
-  for (const Event& e : log.OfType("queued")) kept.push_back(e.Text("file"));
-  EXPECT_EQ(kept, (Files{"minus.WAV", "80.WAV", "7.wav"}));
-  EXPECT_EQ(log.OfType("dropped").size(), 3u);
 }
 
 TEST_F(Phrases, FlightPlanRemainderAndTimeRemaining) {
@@ -353,7 +322,6 @@ TEST_F(Phrases, FlightPlanRemainderAndTimeRemaining) {
   std::vector<double> legs;
   EXPECT_NEAR(FlightplanRemainder(plan, now, &legs), 45, 0.01);
   ASSERT_EQ(legs.size(), 4u);
-  EXPECT_NEAR(legs[1], 30, 0.01);
   EXPECT_NEAR(legs[3], 30, 0.01);
   now.GS = 90;
   EXPECT_NEAR(ETR(plan, now), 45.0 / 90.001 * 60 + 1, 1e-6);
@@ -374,8 +342,7 @@ TEST_F(Phrases, NextFlapLimitFollowsTheFlapPosition) {
   }
   const struct {
     int32_t flaps, knots;
-  } cases[] = {{0, 110},   {255, 110}, {256, 85}, {2570, 85}, {5375, 85},
-               {5376, 80}, {7935, 80}, {7936, 0}, {16383, 0}};
+  } cases[] = {{255, 110}, {256, 85}, {5375, 85}, {5376, 80}, {7935, 80}, {7936, 0}};
   for (const auto& c : cases) EXPECT_EQ(MoreFlapsAt(c.flaps, a), c.knots) << c.flaps;
 }
 
