@@ -267,23 +267,24 @@ TEST(ApproachArrival, GlideslopeCaptureAndTheILSTunedOnOddTicks) {
 // clang-format on
 
 // Down from 530 feet: the opening at 510, then ticks at 500, 400... with the
-// given needles (localiser twice the glideslope), and the flare at 19 feet.
+// given needles (localiser twice the glideslope), and the flare at 19 feet;
+// without the ILS the destination runway is flown visually.
 TEST(ApproachRatingsOnFinal, SumsFromFiveHundredFeetToTheFlare) {
   const int32_t kNone = kNothingGathered;
   struct Row {
     const char* name;
-    bool ils, destination;
+    bool ils;
     std::vector<int> needles;
     int flareFeetHigh;
-    std::vector<int32_t> ils4, visualSamples;  // sums and samples; samples
-    bool heldILS, heldVisual;
+    // ILS glideslope and localiser sums and samples, visual samples, each held at the flare
+    std::vector<int32_t> want;
   };
   // clang-format off
   const std::vector<Row> rows = {
-      {"ILS", true, false, {10, -20, 30}, 0, {60, 3, 120, 3}, {0, 0}, true, false},
-      {"ILS, needle high at the flare", true, false, {10, 40}, 0, {50, 2, 100, 2}, {0, 0}, false, false},
-      {"visual, from the opening on", false, true, {0, 0}, 0, {kNone, 0, kNone, 0}, {3, 3}, false, true},
-      {"visual, high at the flare", false, true, {0, 0}, 80, {kNone, 0, kNone, 0}, {3, 3}, false, false},
+      {"ILS", true, {10, -20, 30}, 0, {60, 3, 120, 3, 0, 0, 1, 0}},
+      {"ILS, needle high at the flare", true, {10, 40}, 0, {50, 2, 100, 2, 0, 0, 0, 0}},
+      {"visual, from the opening on", false, {0, 0}, 0, {kNone, 0, kNone, 0, 3, 3, 0, 1}},
+      {"visual, high at the flare", false, {0, 0}, 80, {kNone, 0, kNone, 0, 3, 3, 0, 0}},
   };
   // clang-format on
   for (const Row& row : rows) {
@@ -294,7 +295,7 @@ TEST(ApproachRatingsOnFinal, SumsFromFiveHundredFeetToTheFlare) {
     const auto tick = [&](double agl, double miles, int feetHigh = 0) {
       b.before() = b.now();
       b.now().AGL = agl;
-      if (row.destination) b.Destination(OnRunwayAxis(-miles), feetHigh);
+      if (!row.ils) b.Destination(OnRunwayAxis(-miles), feetHigh);
       GatherApproachRatings(c);
       b.flight().TickCount += 1;
     };
@@ -313,16 +314,13 @@ TEST(ApproachRatingsOnFinal, SumsFromFiveHundredFeetToTheFlare) {
     tick(10, 0.03);  // after the flare nothing more is gathered
     const ApproachRatings& r = b.ratings();
     EXPECT_EQ((std::vector<int32_t>{r.ILSGlideslopeSum, r.ILSGlideslopeSamples, r.ILSLocalizerSum,
-                                    r.ILSLocalizerSamples}),
-              row.ils4);
-    EXPECT_EQ((std::vector<int32_t>{r.VisualGlideslopeSamples, r.VisualLocalizerSamples}),
-              row.visualSamples);
-    if (row.destination) {  // flown on the glide path and the centre line
-      EXPECT_LE(r.VisualGlideslopeSum, r.VisualGlideslopeSamples);
-      EXPECT_EQ(r.VisualLocalizerSum, 0);
-    }
-    EXPECT_EQ(r.GlideslopeHeldAtFlare, row.heldILS);
-    EXPECT_EQ(r.VisualGlideslopeHeldAtFlare, row.heldVisual);
+                                    r.ILSLocalizerSamples, r.VisualGlideslopeSamples,
+                                    r.VisualLocalizerSamples, r.GlideslopeHeldAtFlare,
+                                    r.VisualGlideslopeHeldAtFlare}),
+              row.want);
+    // Flown on the glide path and the centre line.
+    EXPECT_LE(r.VisualGlideslopeSum, r.VisualGlideslopeSamples);
+    EXPECT_EQ(r.VisualLocalizerSum, row.ils ? kNone : 0);
   }
 }
 
@@ -365,8 +363,7 @@ TEST(ApproachScenario, FromTheWorldDataToTheTouchdown) {
       "11.35|Bee|Bee Field|0|47.300000|11.350000";
   const std::string file = (rig.dir_ / "runways.txt").string();
   ASSERT_TRUE(WriteFileAtomic(file, line + "\r\n"));
-  EXPECT_EQ(LoadRunwayFile(rig.instructor.world, file), "");
-  ASSERT_TRUE(rig.instructor.world.RunwaysLoaded());
+  ASSERT_EQ(LoadRunwayFile(rig.instructor.world, file), "");
 
   rig.Ready();
   rig.Follow(CruiseAt(1500));
