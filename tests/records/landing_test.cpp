@@ -307,12 +307,12 @@ TEST(LandingEvaluation, ApproachAveragesRateInTheirColumns) {
     RatingColumn column;
     int32_t average, rating;
   } rows[] = {
-      {RatingColumn::ILSLocalizer, -1, 0},      {RatingColumn::ILSLocalizer, 38, 0},
-      {RatingColumn::ILSLocalizer, 37, 10},     {RatingColumn::ILSLocalizer, 7, 80},
-      {RatingColumn::ILSLocalizer, 6, 90},      {RatingColumn::ILSLocalizer, 3, 100},
-      {RatingColumn::ILSGlideslope, 10, 90},    {RatingColumn::ILSGlideslope, 9, 100},
-      {RatingColumn::VisualGlideslope, 45, 90}, {RatingColumn::VisualGlideslope, 44, 100},
-      {RatingColumn::VisualLocalizer, 499, 10}, {RatingColumn::VisualLocalizer, 500, 0},
+      {RatingColumn::ILSLocalizer, -1, 0},       {RatingColumn::ILSLocalizer, 38, 0},
+      {RatingColumn::ILSLocalizer, 37, 10},      {RatingColumn::ILSLocalizer, 7, 80},
+      {RatingColumn::ILSLocalizer, 6, 90},       {RatingColumn::ILSGlideslope, 10, 90},
+      {RatingColumn::ILSGlideslope, 9, 100},     {RatingColumn::VisualGlideslope, 45, 90},
+      {RatingColumn::VisualGlideslope, 44, 100}, {RatingColumn::VisualLocalizer, 499, 10},
+      {RatingColumn::VisualLocalizer, 500, 0},
   };
   for (const auto& row : rows)
     EXPECT_EQ(ApproachRating(row.column, row.average), row.rating)
