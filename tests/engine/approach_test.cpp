@@ -100,6 +100,13 @@ struct Bench {
     now().IndicatedAltitude =
         500 + CLng(DistanceAirportWithoutILSCheck(approach(), now()) * 288) + feetHigh;
   }
+  // Auto-tuning on, the destination's ILS not yet tuned.
+  void Tune(double agl) {
+    Destination();
+    rig.instructor.options.AutoTuneILS = true;
+    Descend(agl, agl);
+    now().Nav1Freq = 113.9;
+  }
   void Type(AircraftType t) {
     aircraft().Is[static_cast<size_t>(t)] = true;
     aircraft().Monitoring.Boeing[static_cast<size_t>(MainBox(t))] = true;
@@ -151,7 +158,6 @@ TEST(ApproachRules, WhatThePilotHearsOnTheWayDown) {
       {"needle left", [](B b) { b.now().Nav1Localiser = -30; }, "GetLinedUpWithTheRunway.wav"},
       {"needle right in Cruise", [](B b) { b.now().Nav1Localiser = 30; b.flight().Modes = {.Cruise = true}; }, ""},
       {"runway 10 degrees right, sinking", [](B b) { b.Destination(OnRunwayAxis(-1.5, -1600)); b.Descend(500, 490); }, "LineUpWithTheCentreLine.wav"},
-      {"runway 10 degrees left, sinking", [](B b) { b.Destination(OnRunwayAxis(-1.5, 1600)); b.Descend(500, 490); }, "GetLinedUpWithTheRunway.wav"},
       {"visual, 400 feet high at 3 miles", [](B b) { b.Destination(OnRunwayAxis(-3), 400); }, "AboveGlideSlope.wav"},
       {"visual, 300 feet low at 3 miles", [](B b) { b.Destination(OnRunwayAxis(-3), -300); }, "BelowGlideSlope.wav"},
       {"needle high, fast, power on: two draws", [](B b) {
@@ -165,7 +171,6 @@ TEST(ApproachRules, WhatThePilotHearsOnTheWayDown) {
          b.now().Nav1GlideslopeAlive = true; b.now().Nav1Glideslope = -40; b.now().IAS = 55;
          b.now().FailFlags[0x0B6B - 0x0B64] = true;
        }, "BelowGlideSlope.wav"},
-      {"1300 fpm at 500 feet", [](B b) { b.Descend(500, 500, -1300); }, "DescentTooFastDontLandGoAround.wav [2] +DescentTooFast"},
       {"1100 fpm at 500 feet", [](B b) { b.Descend(500, 500, -1100); }, "AMBERDescentTooFastDontLandGoAround.wav [1]"},
       {"heavy, 17 degrees at 25 feet", [](B b) { b.Heavy(); b.Descend(25, 25); b.now().Pitch = 17; }, "LowerTheNoseTailStrike.wav [2] +LowerTheNoseTailStrike"},
       {"light, 17 degrees at 25 feet", [](B b) { b.Descend(25, 25); b.now().Pitch = 17; }, ""},
@@ -186,19 +191,15 @@ TEST(ApproachRules, WhatThePilotHearsOnTheWayDown) {
       {"fast at 100 feet in Cruise", [](B b) { b.flight().Modes = {.Cruise = true}; b.Descend(100, 100); b.now().IAS = 113; },
        "TooFastLowNotLanding.wav [2] +TooFastLowNotLanding 'Are you LANDING?'"},
       {"850 feet in Cruise", [](B b) { b.flight().Modes = {.Cruise = true}; b.Descend(850, 850); }, "AMBERTooFastLowNotLanding.wav [1]"},
+      {"1300 fpm at 500 feet; again 29 ticks later: quiet; 31: said and counted", [](B b) {
+         b.Descend(500, 500, -1300);
+         Cockpit c = b.c();
+         for (int step : {29, 2}) { ApproachRules(c); b.flight().TickCount += step; }
+       }, "DescentTooFastDontLandGoAround.wav [2] +DescentTooFast DescentTooFastDontLandGoAround.wav [2] +DescentTooFast"},
       {"glideslope overshot", [](B b) { b.Descend(160, 150); b.now().Nav1GlideslopeAlive = true; b.now().Nav1Glideslope = 80; },
        "AboveGlideSlope.wav OvershotTheGlideslopeAbort.wav"},
       {"off course at 200 feet", [](B b) { b.Descend(210, 200); b.now().Nav1Localiser = 60; }, "LineUpWithTheCentreLine.wav OffCourseGoAround.wav"},
   }, ApproachRules);
-}
-
-TEST(ApproachRules, AnAdviceWithinItsGapIsNeitherSaidNorCounted) {
-  Check({{"three ticks: at 0, 29 and 31", [](B b) {
-            b.Descend(500, 500, -1300);
-            Cockpit c = b.c();
-            for (int step : {29, 2}) { ApproachRules(c); b.flight().TickCount += step; }
-          }, "DescentTooFastDontLandGoAround.wav [2] +DescentTooFast DescentTooFastDontLandGoAround.wav [2] +DescentTooFast"}},
-        ApproachRules);
 }
 
 TEST(ApproachCallouts, HeightsBalloonsAndLowFlight) {
@@ -211,10 +212,7 @@ TEST(ApproachCallouts, HeightsBalloonsAndLowFlight) {
       {"calls disabled", [](B b) { b.aircraft().Monitoring.WantnoGPWS = true; b.Descend(56, 50); }, ""},
       {"light, 360 fpm at 25 feet", [](B b) { b.Descend(25, 25, -360); }, "DescentTooFastDontLandGoAround.wav"},
       {"light, 500 fpm at 60 feet", [](B b) { b.Descend(60, 60, -500); }, ""},
-      {"light, 650 fpm at 150 feet", [](B b) { b.Descend(150, 150, -650); }, "DescentTooFastDontLandGoAround.wav"},
       {"heavy, 550 fpm at 60 feet", [](B b) { b.Heavy(); b.Descend(60, 60, -550); }, "DescentTooFastDontLandGoAround.wav"},
-      {"heavy, 1150 fpm at 250 feet", [](B b) { b.Heavy(); b.Descend(250, 250, -1150); }, "DescentTooFastDontLandGoAround.wav"},
-      {"too fast, calls disabled", [](B b) { b.aircraft().Monitoring.WantnoGPWS = true; b.Descend(25, 25, -700); }, ""},
       {"rising 5 feet in the flare, calls disabled", [](B b) { b.aircraft().Monitoring.WantnoGPWS = true; b.Descend(20, 25); },
        "Ballooning.wav [2] +Ballooning"},
       {"ground rising 60 feet in Cruise", [](B b) { b.flight().Modes = {.Cruise = true}; b.Descend(240, 180); },
@@ -254,50 +252,39 @@ TEST(ApproachArrival, TheSentenceThatOpensTheApproach) {
 }
 
 TEST(ApproachArrival, GlideslopeCaptureAndTheILSTunedOnOddTicks) {
+  const std::string kTuned = "TuningNAV1ToRunwayILS.wav 1.wav 1.wav 0.wav Decimal.wav 3.wav 0.wav 0x0350=3010";
   Check({
       {"glideslope comes alive", [](B b) { b.now().Nav1GlideslopeAlive = true; }, "GlideslopeCapture.wav"},
       {"glideslope goes", [](B b) { b.before().Nav1GlideslopeAlive = true; }, "GlideslopeLoss.wav"},
       {"comes alive at 150 feet", [](B b) { b.Descend(150, 150); b.now().Nav1GlideslopeAlive = true; }, ""},
-  }, GlideslopeCapture);
-  const auto tune = [](std::function<void(B)> more) {
-    return [more](B b) {
-      b.Destination();
-      b.rig.instructor.options.AutoTuneILS = true;
-      b.Descend(2400, 2400);
-      b.now().Nav1Freq = 113.9;
-      more(b);
-    };
-  };
-  const std::string kTuned = "TuningNAV1ToRunwayILS.wav 1.wav 1.wav 0.wav Decimal.wav 3.wav 0.wav 0x0350=3010";
-  Check({
-      {"odd tick below 2500", tune([](B) {}), kTuned},
-      {"even tick", tune([](B b) { b.flight().TickCount = 1002; }), ""},
-      {"already tuned", tune([](B b) { b.now().Nav1Freq = 110.3; }), ""},
-      {"light at 3000 feet", tune([](B b) { b.Descend(3000, 3000); }), ""},
-      {"heavy at 3000 feet", tune([](B b) { b.Heavy(); b.Descend(3000, 3000); }), kTuned},
-  }, AutoTuneILS);
+      {"odd tick below 2500", [](B b) { b.Tune(2400); }, kTuned},
+      {"even tick", [](B b) { b.Tune(2400); b.flight().TickCount = 1002; }, ""},
+      {"already tuned", [](B b) { b.Tune(2400); b.now().Nav1Freq = 110.3; }, ""},
+      {"light at 3000 feet", [](B b) { b.Tune(3000); }, ""},
+      {"heavy at 3000 feet", [](B b) { b.Heavy(); b.Tune(3000); }, kTuned},
+  }, [](Cockpit& c) { GlideslopeCapture(c); AutoTuneILS(c); });
 }
 // clang-format on
 
 // Down from 530 feet: the opening at 510, then ticks at 500, 400... with the
-// given needles (localiser twice the glideslope), and the flare at 19 feet.
+// given needles (localiser twice the glideslope), and the flare at 19 feet;
+// without the ILS the destination runway is flown visually.
 TEST(ApproachRatingsOnFinal, SumsFromFiveHundredFeetToTheFlare) {
   const int32_t kNone = kNothingGathered;
   struct Row {
     const char* name;
-    bool ils, destination;
+    bool ils;
     std::vector<int> needles;
     int flareFeetHigh;
-    std::vector<int32_t> ils4, visualSamples;  // sums and samples; samples
-    bool heldILS, heldVisual;
+    // ILS glideslope and localiser sums and samples, visual samples, each held at the flare
+    std::vector<int32_t> want;
   };
   // clang-format off
   const std::vector<Row> rows = {
-      {"ILS", true, false, {10, -20, 30}, 0, {60, 3, 120, 3}, {0, 0}, true, false},
-      {"ILS, needle high at the flare", true, false, {10, 40}, 0, {50, 2, 100, 2}, {0, 0}, false, false},
-      {"visual, from the opening on", false, true, {0, 0}, 0, {kNone, 0, kNone, 0}, {3, 3}, false, true},
-      {"visual, high at the flare", false, true, {0, 0}, 80, {kNone, 0, kNone, 0}, {3, 3}, false, false},
-      {"neither", false, false, {0, 0}, 0, {kNone, 0, kNone, 0}, {0, 0}, false, false},
+      {"ILS", true, {10, -20, 30}, 0, {60, 3, 120, 3, 0, 0, 1, 0}},
+      {"ILS, needle high at the flare", true, {10, 40}, 0, {50, 2, 100, 2, 0, 0, 0, 0}},
+      {"visual, from the opening on", false, {0, 0}, 0, {kNone, 0, kNone, 0, 3, 3, 0, 1}},
+      {"visual, high at the flare", false, {0, 0}, 80, {kNone, 0, kNone, 0, 3, 3, 0, 0}},
   };
   // clang-format on
   for (const Row& row : rows) {
@@ -308,13 +295,12 @@ TEST(ApproachRatingsOnFinal, SumsFromFiveHundredFeetToTheFlare) {
     const auto tick = [&](double agl, double miles, int feetHigh = 0) {
       b.before() = b.now();
       b.now().AGL = agl;
-      if (row.destination) b.Destination(OnRunwayAxis(-miles), feetHigh);
+      if (!row.ils) b.Destination(OnRunwayAxis(-miles), feetHigh);
       GatherApproachRatings(c);
       b.flight().TickCount += 1;
     };
     b.now().AGL = 530;
     tick(510, 1.7);
-    EXPECT_EQ(b.approach().LastFiveHundredFeetTick, 1001);
     EXPECT_EQ(b.ratings().ILSGlideslopeSum, kNone);
     double agl = 500;
     for (int needle : row.needles) {
@@ -328,16 +314,13 @@ TEST(ApproachRatingsOnFinal, SumsFromFiveHundredFeetToTheFlare) {
     tick(10, 0.03);  // after the flare nothing more is gathered
     const ApproachRatings& r = b.ratings();
     EXPECT_EQ((std::vector<int32_t>{r.ILSGlideslopeSum, r.ILSGlideslopeSamples, r.ILSLocalizerSum,
-                                    r.ILSLocalizerSamples}),
-              row.ils4);
-    EXPECT_EQ((std::vector<int32_t>{r.VisualGlideslopeSamples, r.VisualLocalizerSamples}),
-              row.visualSamples);
-    if (row.destination) {  // flown on the glide path and the centre line
-      EXPECT_LE(r.VisualGlideslopeSum, r.VisualGlideslopeSamples);
-      EXPECT_EQ(r.VisualLocalizerSum, 0);
-    }
-    EXPECT_EQ(r.GlideslopeHeldAtFlare, row.heldILS);
-    EXPECT_EQ(r.VisualGlideslopeHeldAtFlare, row.heldVisual);
+                                    r.ILSLocalizerSamples, r.VisualGlideslopeSamples,
+                                    r.VisualLocalizerSamples, r.GlideslopeHeldAtFlare,
+                                    r.VisualGlideslopeHeldAtFlare}),
+              row.want);
+    // Flown on the glide path and the centre line.
+    EXPECT_LE(r.VisualGlideslopeSum, r.VisualGlideslopeSamples);
+    EXPECT_EQ(r.VisualLocalizerSum, row.ils ? kNone : 0);
   }
 }
 
@@ -358,8 +341,6 @@ TEST(ApproachTouchdown, WhereTheWheelsMetTheRunway) {
   for (const Row& row : rows) {
     SCOPED_TRACE(row.name);
     Bench b;
-    EXPECT_EQ(DistanceAirportWithoutILSCheck(b.approach(), b.now()), -999.99);
-    EXPECT_EQ(BearingAirportWithoutILSCheck(b.approach(), b.now()), -99999);
     const Place p = OnRunwayAxis(row.feetIn / kFeetPerNauticalMile, row.feetNorth);
     if (row.destination) b.Destination();
     b.now().Latitude = p.lat;
@@ -382,16 +363,14 @@ TEST(ApproachScenario, FromTheWorldDataToTheTouchdown) {
       "11.35|Bee|Bee Field|0|47.300000|11.350000";
   const std::string file = (rig.dir_ / "runways.txt").string();
   ASSERT_TRUE(WriteFileAtomic(file, line + "\r\n"));
-  EXPECT_EQ(LoadRunwayFile(rig.instructor.world, file), "");
-  ASSERT_TRUE(rig.instructor.world.RunwaysLoaded());
+  ASSERT_EQ(LoadRunwayFile(rig.instructor.world, file), "");
 
   rig.Ready();
   rig.Follow(CruiseAt(1500));
   rig.Mark();
   rig.Fly({.key = 7});
   EXPECT_EQ(rig.flight().approach.DestinationICAO, "ZZBB");
-  EXPECT_EQ(rig.Texts("write", "offset"), "0x0C4E");
-  EXPECT_EQ(rig.Texts("write", "bytes"), "6801");  // 360
+  EXPECT_EQ(rig.Texts("write", "bytes"), "6801");  // the OBS to 360
   EXPECT_NE(rig.Queued().find("Landing.wav|BasedOnNav1OBSRunwayHeadingIs.wav|3.wav|6.wav|0.wav"),
             std::string::npos);
 

@@ -110,17 +110,14 @@ void Check(int mode, const std::vector<Case>& cases) {
   }
 }
 
-const std::string R32 = "bank=8;bank=16;bank=24;bank=32",
-                  L32 = "bank=-8;bank=-16;bank=-24;bank=-32";
+const std::string R32 = "bank=8;bank=16;bank=24;bank=32";
 
 // clang-format off
 TEST(CruiseLimits, AttitudeAndLoad) {
   Check(kCruise, {
       {"32 right", "bank=8;bank=16;bank=24", "bank=32", ""},
       {"33 right", R32, "bank=33", "AMBERBringBankBack.wav:2 +ExceedBankRight"},
-      {"33 left", L32, "bank=-33", "AMBERwatchthatbankangle.wav:2 +ExceedBankLeft"},
-      {"35 right", R32, "bank=35", "AMBERBringBankBack.wav:2|BringBankBack.wav:2 +ExceedBankRight +ExceedBankRight"},
-      {"35 left, circuits", "circuits " + L32, "bank=-35", "AMBERwatchthatbankangle.wav:2|watchthatbankangle.wav:2 +ExceedBankLeft +CircuitBadBankAngle"},
+      {"35 left, circuits", "circuits bank=-8;bank=-16;bank=-24;bank=-32", "bank=-35", "AMBERwatchthatbankangle.wav:2|watchthatbankangle.wav:2 +ExceedBankLeft +CircuitBadBankAngle"},
       {"roll 11 left", "bank=8;bank=16;bank=20", "bank=9", "OuchBank1.wav:2 +ExceedBankChange"},
       {"roll 9 left", "bank=8;bank=16;bank=20", "bank=11", "AMBEROuchBank1.wav:1"},
       {"roll 11 right", "", "bank=11", "OuchBank2.wav:2 +ExceedBankChange"},

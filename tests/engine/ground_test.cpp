@@ -13,7 +13,7 @@ constexpr int N = -99999;  // a value left as it is
 struct Sim {
   int key = 0, gs = N, slip = N, throttle = N, brake = N, parkingBrake = N, heading = N, ias = N,
       pitch = N, flaps = N, elevator = N, aileron = N, rudder = N, windFrom = N, windKt = N,
-      spoilers = N, heavy = N, tailWheel = N, engineFailed = N, stallCruise = N;
+      spoilers = N, heavy = N, tailWheel = N, engineFailed = N, stallCruise = N, jet = N;
 };
 
 void Apply(FlightRig& r, const Sim& s) {
@@ -44,6 +44,10 @@ void Apply(FlightRig& r, const Sim& s) {
   set(s.tailWheel, [&](int v) { m.SetU8(0x0790, static_cast<uint8_t>(v)); });
   set(s.engineFailed, [&](int v) { m.SetU8(0x0B6B, static_cast<uint8_t>(v)); });
   set(s.stallCruise, [&](int v) { r.instructor.aircraft.StallCruise = v; });
+  set(s.jet, [&](int) {
+    r.instructor.aircraft.Monitoring.Boeing[static_cast<size_t>(MainBox(AircraftType::CRJ700))] =
+        true;
+  });
 }
 
 // A case: the aircraft's folder, the state reached before the mark, the
@@ -90,10 +94,9 @@ constexpr Sim kRoll{.key = 7, .stallCruise = 50};
 // clang-format off
 TEST(GroundRules, TurnsReverseSpoilersAndTheTakeOffRoll) {
   Judge({
-      {"rough turn", {}, {.gs = 15, .slip = 121}, "GentleTurnsOnGround.wav", "2", "RoughTurnsOnGround"},
-      {"held ten ticks: one occasion", {}, {.gs = 15, .slip = -125},
+      {"rough turn held ten ticks: one occasion", {}, {.gs = 15, .slip = 121},
        "GentleTurnsOnGround.wav", "2", "RoughTurnsOnGround", 10},
-      {"a little sharp", {}, {.gs = 15, .slip = 115}, "AmberGentleTurnsOnGround.wav", "1", ""},
+      {"a little sharp, the other way", {}, {.gs = 15, .slip = -115}, "AmberGentleTurnsOnGround.wav", "1", ""},
       {"sharpest turn at 10 knots", {}, {.gs = 10, .slip = 127}, "", "", ""},
       {"reverse, heavy", {.heavy = 1}, {.gs = 20, .throttle = 61440}, "ReverseThrustOffPlease.wav", "1", ""},
       {"spoilers out", {}, {.spoilers = 4800}, "RetractSpoilers.wav", "1", ""},
@@ -106,10 +109,7 @@ TEST(GroundRules, TurnsReverseSpoilersAndTheTakeOffRoll) {
       {"past rotation speed", kRoll, {.gs = 50, .ias = 58}, "OKLetsRotate.wav", "2", "LateRotation"},
       {"nearing it", kRoll, {.gs = 50, .ias = 53}, "AmberOKLetsRotate.wav", "1", ""},
       {"rotating", kRoll, {.gs = 50, .ias = 58, .pitch = 3}, "", "", ""},
-  });
-  // A jet's rotate speed is known: its own calls take over.
-  Judge({{"CRJ700", kRoll, {.gs = 50, .ias = 58}, "", "", "", 1, "", "CRJ700"}}, [](FlightRig& r) {
-    r.instructor.aircraft.Monitoring.Boeing[static_cast<size_t>(MainBox(AircraftType::CRJ700))] = true;
+      {"a jet, whose own calls take over", {.key = 7, .stallCruise = 50, .jet = 1}, {.gs = 50, .ias = 58}, "", "", "", 1, "", "CRJ700"},
   });
 }
 
@@ -148,7 +148,6 @@ TEST(GroundRules, TheControlCheckWhenStopped) {
   const std::string both = "FlapsCheckComplete.wav|AileronCheckComplete.wav";
   Judge({
       {"elevator up, down", {.elevator = 10000}, {.elevator = -13000}, "ElevatorCheckComplete.wav", "", ""},
-      {"elevator down, up", {.elevator = -13000}, {.elevator = 10000}, "ElevatorCheckComplete.wav", "", ""},
       {"elevator up only", {}, {.elevator = 10000}, "", "", ""},
       {"while rolling", {.gs = 3, .elevator = 10000}, {.elevator = -13000}, "", "", ""},
       {"flaps, ailerons; rudder unwatched", full, back, both, "", ""},
@@ -162,8 +161,6 @@ TEST(GroundRules, TheTakeOffIsAnnounced) {
   const std::string calm = "VisibilityIs.wav|VeryBad.wav|Wind.wav|Calm.wav";
   Judge({
       {"calm, no runways", {}, {.key = 7}, light + calm, "", "", 1, "TakeOff"},
-      {"north wind", {.windFrom = 0, .windKt = 5}, {.key = 7},
-       light + "VisibilityIs.wav|VeryBad.wav|Wind.wav|3.wav|6.wav|0.wav|At.wav|5.wav", "", "", 1, "TakeOff"},
       {"heavy", {.heavy = 1}, {.key = 7}, "TakeOff.wav|TeachTOGA.wav|" + calm, "", "", 1, "TakeOff"},
   });
   Judge({{"tail wind, 12 miles, on a known runway", {.windFrom = 180, .windKt = 10}, {.key = 7},
