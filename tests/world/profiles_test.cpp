@@ -200,7 +200,6 @@ TEST(AircraftChoices, SourceButtonsAndMonitoringBoxesAreStored) {
   Hangar h;
   AircraftValues a;
   a.Title = "Aviat Husky";
-  EXPECT_EQ(ChooseVantoroData(a, h.ctx), "Can't find the FSR File");
   EXPECT_EQ(ChooseFSData(a, h.ctx), "Can't find the AIRCRAFT.CFG File");
   h.Add("fsr");
   EXPECT_EQ(ChooseVantoroData(a, h.ctx), "");

@@ -138,12 +138,6 @@ TEST_F(QueriesAround, OtherSearches) {
        {std::pair(3, "ZZAA 09"), {12, "ZZBB 36"}, {7, "ZZCC 04"}, {6, "none"}})
     EXPECT_EQ(Found(FindClosestRunwayOClock(world_, kLat, kLon, position, oClock)), found);
   EXPECT_EQ(Found(FindClosestRunwayOClock(world_, kLat, kLon, 3, oClock, 1.0)), "none");
-
-  FillThisAirportRunways(world_, "ZZCC");
-  ASSERT_EQ(world_.AirportRunways.size(), 2u);
-  EXPECT_EQ(world_.AirportRunways[1]->Number, "22");
-  FillThisAirportRunways(world_, "ZZDD");
-  EXPECT_TRUE(world_.AirportRunways.empty());
 }
 
 // At 179.6 east the cells 179, -180 and -179 are searched, from either side.
