@@ -139,7 +139,6 @@ TEST(RecordingFiles, CompressedAndPlainReadAlike) {
   std::string error;
   ASSERT_TRUE(LoadRecording(Write("a.vrec", text), plain, error)) << error;
   // Told by content, not by name.
-  ASSERT_TRUE(LoadRecording(Write("b.vrec.gz", Gzip(text)), packed, error)) << error;
   ASSERT_TRUE(LoadRecording(Write("c.vrec", Gzip(text)), packed, error)) << error;
   ASSERT_EQ(packed.steps.size(), plain.steps.size());
   for (size_t i = 0; i < plain.steps.size(); ++i)
@@ -157,8 +156,6 @@ TEST(RecordingFiles, CompressedAndPlainReadAlike) {
   EXPECT_FALSE(LoadRecording(cut, packed, error));
   EXPECT_EQ(error, cut + ": damaged or too large compressed recording");
 
-  EXPECT_FALSE(LoadRecording((dir / "none.vrec").string(), packed, error));
-  EXPECT_EQ(error, (dir / "none.vrec").string() + ": no such recording");
   std::filesystem::remove_all(dir);
 }
 
@@ -205,32 +202,6 @@ TEST(RecordingWriter, ReplayOfARecordingRestoresEveryTick) {
       text, [&](const OffsetImage& image, int64_t) { replayed.push_back(snapshot(image)); });
   ASSERT_EQ(replayed.size(), seen.size());
   for (size_t i = 0; i < seen.size(); ++i) EXPECT_TRUE(replayed[i] == seen[i]) << "tick " << i + 1;
-}
-
-TEST(RecordingWriter, LinkFailures) {
-  OffsetImage sim;
-  FixedClock clock;
-  std::string text, error;
-  {
-    ImageLink link(sim);
-    link.failOpenWith = kLinkNoServer;
-    EXPECT_FALSE(RecordFlight(link, clock, 3, nullptr, text, error));
-    EXPECT_EQ(error, "Cannot link to FSUIPC or WideClient");
-  }
-  {
-    // A simulator that goes away ends the recording with what was taken.
-    ImageLink link(sim);
-    int calls = 0;
-    auto before = [&] {
-      if (++calls == 3) link.failProcessWith = kLinkTimeout;
-      return true;
-    };
-    ASSERT_TRUE(RecordFlight(link, clock, 10, before, text, error));
-    Recording r;
-    ASSERT_TRUE(ParseRecording("r", text, r, error)) << error;
-    EXPECT_EQ(r.TotalTicks(), 2);
-    EXPECT_NE(text.find("# The link failed: IPC timed out all retries\n"), std::string::npos);
-  }
 }
 
 }  // namespace

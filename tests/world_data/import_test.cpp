@@ -53,9 +53,6 @@ TEST(WorldImport, RunwayEndsAndStationsOfTheFiles) {
   };
   // The closed airport, the heliport and the helipad are left out.
   EXPECT_EQ(LinesOf(world.RunwayText), expected);
-  EXPECT_EQ(world.Airports, 3);
-  EXPECT_EQ(world.RunwayEnds, 8);
-  EXPECT_EQ(world.ILSEnds, 2);
 
   // Rows that cannot be read are named by file and line and skipped.
   const std::vector<std::string> warnings = {
@@ -72,8 +69,6 @@ TEST(WorldImport, RunwayEndsAndStationsOfTheFiles) {
       "AL|ALDER NDB|10.100000|20.100000|0|385",
   };
   EXPECT_EQ(LinesOf(world.VorText), stations);
-  EXPECT_EQ(world.VORs, 2);
-  EXPECT_EQ(world.NDBs, 1);
 }
 
 // What the import writes is what the loader reads, compressed or not.

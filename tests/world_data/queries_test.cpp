@@ -157,10 +157,9 @@ TEST(Queries, AcrossTheDateLine) {
     std::sort(codes.begin(), codes.end());
     EXPECT_EQ(codes, (std::vector<std::string>{"ZE80.09", "ZW79.09", "ZW79.27", "ZW80.09"}));
   }
-  FillCloseRunways(world, 0, 179.9);
-  ASSERT_NE(FindClosestRunway(world, 0, 179.9, kNoLimit, kNoLimit, false), nullptr);
-  EXPECT_EQ(FindClosestRunway(world, 0, 179.9, kNoLimit, kNoLimit, false)->ICAO, "ZE80");
-  EXPECT_EQ(FindClosestRunway(world, 0, -179.42, kNoLimit, kNoLimit, false)->ICAO, "ZW79");
+  // The nearest of them is found from the west side.
+  const Runway* r = FindClosestRunway(world, 0, -179.42, kNoLimit, kNoLimit, false);
+  EXPECT_EQ(r ? r->ICAO + r->Number : "none", "ZW7927");
 }
 
 // The quick cosine test of the search never changes its answer: over a
