@@ -66,7 +66,7 @@ std::string LongDate(const WallTime& t) {
   std::string out;
   if (ymd.ok()) out = std::string(kDayNames[weekday{sys_days{ymd}}.c_encoding()]) + ", ";
   if (t.month >= 1 && t.month <= 12) out += std::string(kMonthNames[t.month - 1]) + " ";
-  return out + std::to_string(t.day) + ", " + std::to_string(t.year);
+  return out + FormatDigits(t.day, 2) + ", " + std::to_string(t.year);
 }
 
 std::string ReportHeading(std::string_view pilotName, std::string_view aircraftTitle,

@@ -12,7 +12,7 @@
 
 namespace vantoro {
 
-// "Sunday, November 22, 2026".
+// The long date of the reports, day in two digits: "Sunday, June 07, 2026".
 std::string LongDate(const WallTime& t);
 // "[HEADER]Kate piloting Cessna 172 ended Sunday, November 22, 2026 at 14:05[/HEADER]"
 // and a line break: the first line of every report.

@@ -6,6 +6,7 @@
 
 #include "base/numbers.h"
 #include "base/text.h"
+#include "records/crash_report.h"
 #include "records/markup.h"
 #include "voice/phrases.h"
 
@@ -434,19 +435,6 @@ int32_t FailureBonus(const FlightStats& f, const FSData& now, std::string& text)
   return static_cast<int32_t>(Int(Int(bonus) / 2));
 }
 
-constexpr std::array<const char*, 7> kDays = {"Sunday",   "Monday", "Tuesday", "Wednesday",
-                                              "Thursday", "Friday", "Saturday"};
-constexpr std::array<const char*, 12> kMonths = {"January",   "February", "March",    "April",
-                                                 "May",       "June",     "July",     "August",
-                                                 "September", "October",  "November", "December"};
-
-// Day of the week, 0 Sunday (Sakamoto's method).
-int DayOfWeek(int y, int m, int d) {
-  static constexpr int kOffsets[] = {0, 3, 2, 5, 0, 3, 5, 1, 4, 6, 2, 4};
-  if (m < 3) y -= 1;
-  return (y + y / 4 - y / 100 + y / 400 + kOffsets[m - 1] + d) % 7;
-}
-
 }  // namespace
 
 int32_t ApproachRating(RatingColumn column, int32_t average) {
@@ -468,17 +456,6 @@ int32_t ApproachRating(RatingColumn column, int32_t average) {
   for (int row = 0; row < kRatingRows; ++row)
     if (average >= (*limits)[static_cast<size_t>(row)]) return row * 10;
   return 0;
-}
-
-std::string LongDateText(const WallTime& t) {
-  const int month = std::clamp(t.month, 1, 12);
-  return std::string(kDays[static_cast<size_t>(DayOfWeek(t.year, month, t.day))]) + ", " +
-         kMonths[static_cast<size_t>(month - 1)] + " " + FormatDigits(t.day, 2) + ", " +
-         std::to_string(t.year);
-}
-
-std::string AtTimeText(const WallTime& t) {
-  return " at " + FormatDigits(t.hour, 2) + ":" + FormatDigits(t.minute, 2);
 }
 
 LandingVerdict LandingComputeAndSpeak(const LandingContext& in, FlightStats& flight,
@@ -572,9 +549,7 @@ LandingVerdict LandingComputeAndSpeak(const LandingContext& in, FlightStats& fli
   scores.FlightScore *= factor;
 
   // Step 8: the report.
-  std::string report = "[HEADER]" + std::string(in.PilotName) + " piloting " +
-                       second.AircraftTitle + " ended " + LongDateText(in.Ended) +
-                       AtTimeText(in.Ended) + "[/HEADER]" + lb;
+  std::string report = ReportHeading(in.PilotName, second.AircraftTitle, in.Ended);
   report += "[STATS][VERSION][SIM_VERSION][VISIBILITY][WINDSPEED][/STATS]" + lb;
   report += "Aircraft: " + second.AtcType + "    ID: " + second.AtcIdentifier +
             "    Airline: " + second.AtcAirline + "    Flight: " + second.AtcFlightNumber + lb;

@@ -58,9 +58,4 @@ LandingVerdict LandingComputeAndSpeak(const LandingContext& in, FlightStats& fli
 enum class RatingColumn { VisualGlideslope, VisualLocalizer, ILSGlideslope, ILSLocalizer };
 int32_t ApproachRating(RatingColumn column, int32_t average);
 
-// A date as the reports write it: "Sunday, November 22, 2026".
-std::string LongDateText(const WallTime& t);
-// " at HH:MM".
-std::string AtTimeText(const WallTime& t);
-
 }  // namespace vantoro
