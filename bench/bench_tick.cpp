@@ -6,23 +6,12 @@
 
 #include "base/events.h"
 #include "base/seams.h"
+#include "bench/quiet_audio.h"
 #include "link/image_link.h"
 #include "shell/instructor.h"
-#include "voice/audio_out.h"
 
 namespace vantoro {
 namespace {
-
-class QuietAudio final : public AudioOut {
- public:
-  int DeviceCount() const override { return 1; }
-  std::string DeviceName(int) const override { return "bench"; }
-  void SetDevice(int) override {}
-  void Play(const std::string&) override {}
-  void Stop() override {}
-  bool IsPlaying() const override { return false; }
-  void SetVolume(int) override {}
-};
 
 void BM_TickInCruise(benchmark::State& state) {
   const std::filesystem::path root = std::filesystem::temp_directory_path() / "vantoro-bench-tick";
