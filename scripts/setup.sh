@@ -8,6 +8,9 @@ packages=(
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   zlib1g-dev
   flite1-dev
+  nlohmann-json3-dev libcli11-dev libcpp-httplib-dev libasound2-dev
+  libjs-chart.js
+  chromium chromium-driver python3-selenium fonts-dejavu-core
   g++-mingw-w64-x86-64 wine wine64 xvfb xauth
 )
 

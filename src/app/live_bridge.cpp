@@ -1,0 +1,113 @@
+#include "app/live_bridge.h"
+
+#include <future>
+#include <memory>
+
+namespace vantoro {
+
+void Mailbox::Post(Work work) {
+  std::function<void()> wake;
+  {
+    std::lock_guard lock(mutex_);
+    if (closed_) return;
+    pending_.push_back(std::move(work));
+    wake = wake_;
+  }
+  if (wake) wake();
+}
+
+std::optional<nlohmann::json> Mailbox::Ask(Question question, std::chrono::milliseconds timeout) {
+  auto answer = std::make_shared<std::promise<nlohmann::json>>();
+  std::future<nlohmann::json> future = answer->get_future();
+  Post([question = std::move(question), answer](Instructor& instructor) {
+    try {
+      answer->set_value(question(instructor));
+    } catch (...) {
+      answer->set_exception(std::current_exception());
+    }
+  });
+  if (future.wait_for(timeout) != std::future_status::ready) return std::nullopt;
+  try {
+    return future.get();
+  } catch (const std::future_error&) {
+    return std::nullopt;  // closed before the loop took it
+  }
+}
+
+size_t Mailbox::RunPending(Instructor& instructor) {
+  std::deque<Work> work;
+  {
+    std::lock_guard lock(mutex_);
+    work.swap(pending_);
+  }
+  for (Work& w : work) w(instructor);
+  return work.size();
+}
+
+void Mailbox::SetWake(std::function<void()> wake) {
+  std::lock_guard lock(mutex_);
+  wake_ = std::move(wake);
+}
+
+void Mailbox::Close() {
+  std::lock_guard lock(mutex_);
+  closed_ = true;
+  pending_.clear();  // the promises die with them: askers see a broken promise
+}
+
+void LiveFeed::PublishEvent(std::string jsonLine) {
+  {
+    std::lock_guard lock(mutex_);
+    lines_.push_back(FeedLine{++last_, std::move(jsonLine)});
+    while (lines_.size() > kKeptLines) lines_.pop_front();
+  }
+  changed_.notify_all();
+}
+
+void LiveFeed::PublishState(nlohmann::json state) {
+  {
+    std::lock_guard lock(mutex_);
+    state_ = std::move(state);
+    ++stateVersion_;
+  }
+  changed_.notify_all();
+}
+
+std::vector<FeedLine> LiveFeed::LinesAfter(uint64_t after, std::chrono::milliseconds wait) {
+  std::unique_lock lock(mutex_);
+  changed_.wait_for(lock, wait, [&] { return closed_ || last_ > after; });
+  std::vector<FeedLine> out;
+  for (const FeedLine& line : lines_)
+    if (line.number > after) out.push_back(line);
+  return out;
+}
+
+uint64_t LiveFeed::LastNumber() const {
+  std::lock_guard lock(mutex_);
+  return last_;
+}
+
+nlohmann::json LiveFeed::State() const {
+  std::lock_guard lock(mutex_);
+  return state_;
+}
+
+uint64_t LiveFeed::StateVersion() const {
+  std::lock_guard lock(mutex_);
+  return stateVersion_;
+}
+
+void LiveFeed::Close() {
+  {
+    std::lock_guard lock(mutex_);
+    closed_ = true;
+  }
+  changed_.notify_all();
+}
+
+bool LiveFeed::Closed() const {
+  std::lock_guard lock(mutex_);
+  return closed_;
+}
+
+}  // namespace vantoro
