@@ -17,24 +17,14 @@ Replay::Replay(const ReplaySetup& setup, Events& events)
 }
 
 void Replay::Step(const RecordingStep& step) {
-  switch (step.kind) {
-    case RecordingStep::Kind::Write:
-      ApplyWrite(image_, step);
-      break;
-    case RecordingStep::Kind::Clock:
-      clock_.Set(step.clock);
-      break;
-    case RecordingStep::Kind::Key:
-      // The pressed key acts in the next tick, as a spoken command would.
-      instructor_->flight.VoiceAction = step.key;
-      break;
-    case RecordingStep::Kind::Say:
-      phrases_.push_back(step.phrase);
-      break;
-    case RecordingStep::Kind::Tick:
-      for (int32_t i = 0; i < step.ticks; ++i) OneTick();
-      break;
+  if (step.kind == RecordingStep::Kind::Tick) {
+    for (int32_t i = 0; i < step.ticks; ++i) OneTick();
+    return;
   }
+  const StepEffect effect = ApplyStep(step, image_, clock_);
+  // The pressed key acts in the next tick, as a spoken command would.
+  if (effect.key != 0) instructor_->flight.VoiceAction = effect.key;
+  if (effect.phrase != nullptr) phrases_.push_back(*effect.phrase);
 }
 
 void Replay::OneTick() {
