@@ -135,6 +135,7 @@ void LiveProgram::PollTick(Instructor& in) {
       if (!recordingEnded_) {
         recordingEnded_ = true;
         events_.Emit(in.flight.TickCount, "end", {{"ticks", recording->TicksServed()}});
+        in.flight.Status = kRecordingFinished;
         events_.Emit(in.flight.TickCount, "status", {{"text", kRecordingFinished}});
         PublishState();
       }
