@@ -1,5 +1,8 @@
 #include "cli/replay.h"
 
+#include "base/registry.h"
+#include "shell/startup.h"
+
 namespace vantoro {
 
 Replay::Replay(const ReplaySetup& setup, Events& events)
@@ -14,6 +17,19 @@ Replay::Replay(const ReplaySetup& setup, Events& events)
   seams.clock = &clock_;
   seams.random = &random_;
   instructor_ = std::make_unique<Instructor>(setup.root, seams);
+
+  // A replay has no registry: the folders are those of the settings.
+  const NoRegistry registry;
+  Startup start(*instructor_, registry);
+  start.OpenSettings();
+  start.OpenCaptions();
+  start.OpenSoundPacks();
+  if (!setup.pilot.empty()) pilotFailed_ = !start.OpenPilot(setup.pilot);
+  start.OpenAircraftData();
+  if (!setup.logFolder.empty()) start.OpenLogFolder(setup.logFolder);
+  notices_ = start.notices();
+  for (const Notice& n : notices_)
+    events_.Emit(0, "notice", {{"text", NoticeText(n)}, {"file", n.file}});
 }
 
 void Replay::Step(const RecordingStep& step) {
