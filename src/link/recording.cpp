@@ -386,6 +386,27 @@ void ApplyWrite(OffsetImage& image, const RecordingStep& step) {
   image.SetBytes(step.offset, step.bytes.data(), static_cast<uint32_t>(step.bytes.size()));
 }
 
+StepEffect ApplyStep(const RecordingStep& step, OffsetImage& image, FixedClock& clock) {
+  StepEffect effect;
+  switch (step.kind) {
+    case RecordingStep::Kind::Write:
+      ApplyWrite(image, step);
+      break;
+    case RecordingStep::Kind::Clock:
+      clock.Set(step.clock);
+      break;
+    case RecordingStep::Kind::Key:
+      effect.key = step.key;
+      break;
+    case RecordingStep::Kind::Say:
+      effect.phrase = &step.phrase;
+      break;
+    case RecordingStep::Kind::Tick:
+      break;
+  }
+  return effect;
+}
+
 bool ParseIsoTime(std::string_view s, WallTime& out) {
   WallTime t;
   if (s.size() < 19 || s[4] != '-' || s[7] != '-' || (s[10] != 'T' && s[10] != 't') ||

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "base/seams.h"
@@ -55,6 +56,15 @@ bool LoadRecording(const std::string& path, Recording& out, std::string& error);
 // Puts a Write step's bytes into the image (the reader has checked the range).
 void ApplyWrite(OffsetImage& image, const RecordingStep& step);
 
+// What a line other than "tick" does when a recording is flown: bytes go
+// into the image and the wall clock is set; a hot key or a spoken phrase is
+// for the instructor and handed back to the caller.
+struct StepEffect {
+  int key = 0;                          // a hot key slot, 0 for none
+  const std::string* phrase = nullptr;  // what the recogniser hears, or none
+};
+StepEffect ApplyStep(const RecordingStep& step, OffsetImage& image, FixedClock& clock);
+
 // "2026-11-21T14:05:00" (seconds may carry a fraction); false when malformed
 // or not a real date and time.
 bool ParseIsoTime(std::string_view text, WallTime& out);
@@ -69,6 +79,9 @@ class RecordingWriter {
 
   // The text written so far.
   const std::string& Text() const { return text_; }
+  // Hands over the text written since the last call, for a writer that
+  // streams to a file as the flight goes.
+  std::string TakeText() { return std::exchange(text_, {}); }
 
   // Reads the four blocks through the link and writes one tick. On a failed
   // read nothing is written for the tick and false is returned with the

@@ -29,7 +29,7 @@ TEST(Replay, PhrasesKeysAndVirtualTime) {
                              r, error))
       << error;
   EventLog log;
-  Replay replay(ReplaySetup{testing::DataRoot(), 1, true}, log);
+  Replay replay(ReplaySetup{testing::DataRoot(), 1, true, {}, {}}, log);
   EXPECT_EQ(replay.Run(r), 4);
   // Each tick is half a second: one tick and four sound steps of 125 ms.
   EXPECT_EQ(replay.VirtualMs(), 2000);
@@ -193,7 +193,7 @@ TEST(Replay, TheDeliveredWorldIsLoadedAtConnectAndTheNearestRunwayFound) {
                              r, error))
       << error;
   EventLog log;
-  Replay replay(ReplaySetup{testing::DataRoot(), 1, true}, log);
+  Replay replay(ReplaySetup{testing::DataRoot(), 1, true, {}, {}}, log);
   replay.Run(r);
   const FlightState& f = replay.instructor().flight;
   ASSERT_NE(f.Runways.NearestRunway, nullptr);
@@ -216,7 +216,7 @@ TEST(Replay, TheDemoCircuitIsJudgedAgainstTheRunwayIntoTheWind) {
       "demo", ReadFile(testing::DataRoot() + "/Recordings/demo-c172-circuit.vrec"), r, error))
       << error;
   EventLog log;
-  Replay replay(ReplaySetup{testing::DataRoot(), 1, true}, log);
+  Replay replay(ReplaySetup{testing::DataRoot(), 1, true, {}, {}}, log);
   replay.Run(r);
   const std::vector<Event> landings = log.OfType("landing");
   ASSERT_EQ(landings.size(), 1u);
