@@ -71,7 +71,11 @@ void ScoreAndRecordFlight(Cockpit& c) {
                  {"duration", flight.FlightDuration},
                  {"report", RemoveMarkup(s.FlightSummary)}});
 
+  // The row and the log book entry are written together, both or neither.
   if (!s.PilotFile.empty()) {
+    const FileWrite book =
+        LogBookUpdate(GetPilotFile(s.PilotFile, ".htm"),
+                      ApplyMarkup(s.LogBookMarkup, ReportMarkupValues(c)), "EndFlight");
     const LogRowInputs row{s.LandingScore,
                            s.FlightScore,
                            s.CircuitScore,
@@ -79,17 +83,13 @@ void ScoreAndRecordFlight(Cockpit& c) {
                            c.plan.FlightPlanDeparture,
                            c.plan.FlightPlanDestination};
     const std::string file = GetPilotFile(s.PilotFile, ".dat");
-    const std::string line = DispFlightEvaluation(file, flight, now, row, c.clock);
+    const std::string line = DispFlightEvaluation(file, flight, now, row, c.clock, {book});
     c.events.Emit(f.TickCount, "log", {{"file", file}, {"row", line}});
   }
 
   const ScoreLinkInputs links{s.LandingScore,  s.FlightScore,  s.CircuitScore,
                               f.SimulatorName, now.Visibility, flight.Aircraft};
   s.ScoreLinks = GenerateScoreLinks(s.MarkerFolder, links);
-
-  if (!s.PilotFile.empty() && !WriteLogBook(GetPilotFile(s.PilotFile, ".htm"),
-                                            ApplyMarkup(s.LogBookMarkup, ReportMarkupValues(c))))
-    throw FailureReport(kErrPathAccess, "Path/File access error", "EndFlight");
 }
 
 }  // namespace

@@ -69,8 +69,14 @@ void SetTypeOptions(AircraftValues& a, AircraftType t, bool is) {
     a.Monitoring.BoeingEnabled[static_cast<size_t>(b.further[static_cast<size_t>(i)])] = is;
 }
 
-double PageNumber(const std::string& text) {
-  return INIValueNumber(text).value_or(0);
+// No aircraft flies near these: a figure beyond them is a damaged file, and
+// counts as the field's default 0, so that no sum of speeds can overflow.
+constexpr double kHighestProfileSpeed = 1000;  // knots
+constexpr double kHighestFlapAngle = 90;       // degrees
+
+double PageNumber(const std::string& text, double highest = kHighestProfileSpeed) {
+  const double x = INIValueNumber(text).value_or(0);
+  return x >= 0 && x <= highest ? x : 0;
 }
 
 }  // namespace
@@ -282,7 +288,7 @@ void SetupAircraftValues(AircraftValues& a) {
   int32_t lastSpeed = 0;
   for (int i = 1; i <= kFlapPositions; ++i) {
     const size_t page = static_cast<size_t>(i - 1);
-    int32_t angle = CLng(PageNumber(raw.FlapPos[page]) * 256 + 10);
+    int32_t angle = CLng(PageNumber(raw.FlapPos[page], kHighestFlapAngle) * 256 + 10);
     if (angle > 10) {
       lastAngle = angle;
     } else {

@@ -150,7 +150,7 @@ TEST(LiveLoop, ARecordingFlownLiveSaysWhatReplaySays) {
   ASSERT_TRUE(ended) << "the recording was not flown to its end";
 
   const std::vector<Event> live = witness.Events();
-  const std::vector<Event> replayed = ReplayText(text, {DataRoot(), kSeed, true, ""}).events;
+  const std::vector<Event> replayed = ReplayText(text, {DataRoot(), kSeed, true, {}}).events;
   EXPECT_EQ(Story(live, "end"), Story(replayed, "end"));
   EXPECT_GE(program.loop().Fired(LiveTimer::FSPoll), ticks);
   EXPECT_GE(program.loop().Fired(LiveTimer::SoundTimer), program.loop().Fired(LiveTimer::FSPoll));
@@ -249,7 +249,7 @@ TEST(LiveLoop, ConnectAndDisconnectFromTheAppAndTheFlightsRecordingReplays) {
   ASSERT_TRUE(LoadRecording(kept.string(), recorded, error)) << error;
   std::string recordedText;
   ASSERT_EQ(InflateLimited(ReadFile(kept.string()), recordedText), InflateResult::Ok);
-  const std::vector<Event> replayed = ReplayText(recordedText, {root, kSeed, true, ""}).events;
+  const std::vector<Event> replayed = ReplayText(recordedText, {root, kSeed, true, {}}).events;
   const auto story = Story(witness.Events(), "disconnect");
   EXPECT_EQ(story, Story(replayed, "end"));
   EXPECT_TRUE(story.count("status") && story.count("mode") && story.count("spoken"))

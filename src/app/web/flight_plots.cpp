@@ -124,10 +124,7 @@ nlohmann::json RecordedFlight(const std::string& recordingPath, const std::strin
   std::vector<RunwayAtTouchdown> runways;
   NoEvents quiet;
   try {
-    ReplaySetup setup;
-    setup.root = root;
-    setup.instant = true;
-    Replay replay(setup, quiet);
+    Replay replay(ReplaySetup{root, 1, true, {}, {}}, quiet);
     Instructor& in = replay.instructor();
     RecordingStep one;
     one.kind = RecordingStep::Kind::Tick;
