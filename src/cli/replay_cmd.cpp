@@ -3,7 +3,7 @@
 // Replays a recording through the whole instructor and tells what it did: a
 // transcript, or JSON lines with --events. Everything is checked before
 // anything is written: a bad recording or option ends with status 2.
-#include <charconv>
+#include <CLI/CLI.hpp>
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
@@ -35,52 +35,6 @@ struct ReplayArgs {
   bool instant = false;
 };
 
-bool ParseArgs(const CommandArgs& args, ReplayArgs& r, std::string& error) {
-  for (size_t i = 0; i < args.size(); ++i) {
-    const std::string& a = args[i];
-    auto value = [&](std::string& into) {
-      if (i + 1 >= args.size()) {
-        error = "option " + a + " needs a value";
-        return false;
-      }
-      into = args[++i];
-      return true;
-    };
-    if (a == "--root") {
-      if (!value(r.root)) return false;
-    } else if (a == "--pilot") {
-      if (!value(r.pilot)) return false;
-    } else if (a == "--out") {
-      if (!value(r.out)) return false;
-    } else if (a == "--events") {
-      if (!value(r.events)) return false;
-    } else if (a == "--seed") {
-      std::string text;
-      if (!value(text)) return false;
-      auto [p, ec] = std::from_chars(text.data(), text.data() + text.size(), r.seed);
-      if (text.empty() || ec != std::errc() || p != text.data() + text.size()) {
-        error = "--seed needs a whole number, not '" + text + "'";
-        return false;
-      }
-    } else if (a == "--instant") {
-      r.instant = true;
-    } else if (a.size() > 1 && a[0] == '-' && a != "-") {
-      error = "unknown option '" + a + "'";
-      return false;
-    } else if (r.recording.empty()) {
-      r.recording = a;
-    } else {
-      error = "one recording only ('" + a + "' is one too many)";
-      return false;
-    }
-  }
-  if (r.recording.empty()) {
-    error = "which recording? vantoro-cli replay RECORDING [options]";
-    return false;
-  }
-  return true;
-}
-
 std::string MakeTemporaryFolder() {
   std::error_code ec;
   fs::path base = fs::temp_directory_path(ec);
@@ -94,11 +48,19 @@ std::string MakeTemporaryFolder() {
 
 int ReplayCommand(const CommandArgs& args, CliContext& cli) {
   ReplayArgs a;
+  CLI::App app("Replays a recording through the whole instructor and tells what it did.",
+               "vantoro-cli replay");
+  app.add_option("RECORDING", a.recording, "the recording (.vrec or .vrec.gz)")->required();
+  app.add_option("--root", a.root,
+                 "program root folder (default: the data folder beside the program)");
+  app.add_option("--pilot", a.pilot, "pilot file to fly with (default: the settings' last pilot)");
+  app.add_option("--out", a.out, "folder for the pilot's copy, flight log and log book");
+  app.add_option("--events", a.events, "events as JSON lines to FILE (- for standard output)");
+  app.add_option("--seed", a.seed, "seed of the random draws");
+  app.add_flag("--instant", a.instant, "every sound plays for 0 s");
+  int parsed = kExitOk;
+  if (!ParseCommandLine(app, args, cli, parsed)) return parsed;
   std::string error;
-  if (!ParseArgs(args, a, error)) {
-    cli.err << "vantoro-cli replay: " << error << '\n';
-    return kExitBadInput;
-  }
   Recording recording;
   if (!LoadRecording(a.recording, recording, error)) {
     cli.err << error << '\n';

@@ -81,8 +81,7 @@ void LoadWorldWhenEmpty(Cockpit& c) {
   if (c.world.RunwaysLoaded() || !f.Connected || f.SimulatorName.empty()) return;
   // A simulator the program keeps no folder for still has the delivered world.
   const std::string folder = GetRunningFS(c.options, f.SimulatorName).value_or("");
-  const std::string message =
-      LoadRunwaysAndVORs(c.world, c.sound.SoundRoot, folder, f.SimulatorName);
+  const std::string message = LoadRunwaysAndVORs(c.world, c.root, folder, f.SimulatorName);
   if (!message.empty()) ShowNotice(c, message);
 }
 
@@ -124,7 +123,7 @@ bool FSConnect(Cockpit& c) {
   f.Stats.LinkVersion = LinkVersionText(c.sim.FsVersion());
 
   // A file "NoVersionCheck.txt" beside the program lets any version through.
-  const bool anyVersion = FileExists(c.sound.SoundRoot + "NoVersionCheck.txt");
+  const bool anyVersion = FileExists(c.root + "NoVersionCheck.txt");
   if (!anyVersion &&
       VersionDigits(c.sim.FsVersion()) < (p3d ? kLowestVersionP3D : kLowestVersion)) {
     c.sim.Close();

@@ -92,7 +92,7 @@ int32_t MagneticCourse(double fromLat, double fromLon, double toLat, double toLo
 }
 
 void LoadSimulatorPlanOnConnect(Cockpit& c) {
-  RouteState& r = c.flight.route;
+  RouteState& r = c.route;
   if (c.flight.TickCount <= 1) r.SimulatorPlanTried = false;
   const FSData& now = c.link.Now();
   if (!c.options.LoadFSXPlanOnConnect || r.SimulatorPlanTried || now.FlightFile.empty()) return;
@@ -119,7 +119,7 @@ void FlightPlanHelp(Cockpit& c) {
   const FSData& now = c.link.Now();
   const FSData& before = c.link.Before();
   const GpsData& gps = c.link.Gps;
-  RouteState& r = c.flight.route;
+  RouteState& r = c.route;
   Voice v = c.voice();
 
   if (!now.GpsDrivesNav) {
@@ -226,7 +226,7 @@ const Waypoint* AidToSuggest(const Cockpit& c) {
   const int32_t count = FlightPlanCount(plan);
   const int32_t next = plan.NextWaypoint;
   if (count <= 1 || next <= 0 || next >= count) return nullptr;
-  if (c.flight.route.AidSuggestedFor == next) return nullptr;
+  if (c.route.AidSuggestedFor == next) return nullptr;
   const FSData& now = c.link.Now();
   const Waypoint& w = plan.Waypoints[static_cast<size_t>(next)];
   const Waypoint& last = plan.Waypoints[static_cast<size_t>(next - 1)];
@@ -251,7 +251,7 @@ void SuggestNavAid(Cockpit& c) {
   if (!c.options.AdviceVORNDB || c.options.AutoTuneVOR) return;
   const Waypoint* w = AidToSuggest(c);
   if (w == nullptr) return;
-  c.flight.route.AidSuggestedFor = c.plan.NextWaypoint;
+  c.route.AidSuggestedFor = c.plan.NextWaypoint;
   const FSData& now = c.link.Now();
   Voice v = c.voice();
   if (IsVOR(*w)) {
@@ -271,7 +271,7 @@ void TuneNavAid(Cockpit& c) {
   if (!c.options.AutoTuneVOR) return;
   const Waypoint* w = AidToSuggest(c);
   if (w == nullptr) return;
-  c.flight.route.AidSuggestedFor = c.plan.NextWaypoint;
+  c.route.AidSuggestedFor = c.plan.NextWaypoint;
   const FSData& now = c.link.Now();
   const VORStation* station =
       FindVOR(c.world, w->Latitude, w->Longitude, kStationAtWaypointDegrees);

@@ -78,7 +78,9 @@ struct SoundState {
   std::string CaptionBuffer;
   bool Muted = false;
 
-  std::string SoundRoot;   // program root folder, ends in "\"
+  // The folder holding Sound\ and SoundCard.dat (the program's root), ends
+  // in "\".
+  std::string SoundRoot;
   std::string Instructor;  // folder name below "Sound\"
   std::vector<std::string> Instructors;
 
