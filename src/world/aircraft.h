@@ -111,6 +111,12 @@ struct AircraftValues {
 
   bool IsType(AircraftType t) const { return Is[static_cast<size_t>(t)]; }
   bool WantType(AircraftType t) const;
+  // One of the four jets (737, 757, Learjet 45, CRJ 700) by the raw tests.
+  bool IsJet() const;
+  // The same, with the type's monitoring box: the jets' own procedures apply.
+  bool WantJet() const;
+  // The profile gives a first flap position.
+  bool HasFlaps() const { return FlapAngleLimit[1] > 0; }
 };
 
 // The profile came from the simulator's aircraft.cfg, so its speeds are estimates.
