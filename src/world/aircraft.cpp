@@ -240,6 +240,14 @@ void SetOtterOptions(AircraftValues& a, const AircraftIdentity& id) {
 }
 
 void SetAircraftTypeOptions(AircraftValues& a, const AircraftIdentity& id) {
+  if (a.TypeTestedFor == id) {
+    for (int t = 0; t < kAircraftTypes; ++t) {
+      const auto type = static_cast<AircraftType>(t);
+      SetTypeOptions(a, type, a.IsType(type));
+    }
+    return;
+  }
+  a.TypeTestedFor = id;
   Set737Options(a, id);
   SetC172Options(a, id);
   SetC152Options(a, id);
