@@ -14,10 +14,6 @@ namespace {
 
 constexpr std::string_view kVersionCaption = "Vantoro v" VANTORO_VERSION;
 
-bool HasFlaps(const AircraftValues& a) {
-  return a.FlapAngleLimit[1] > 0;
-}
-
 // A report joins the log display (plain) and its marked-up copy on a line of
 // its own.
 void AppendReport(std::string& text, const std::string& report) {
@@ -38,7 +34,7 @@ void ScoreAndRecordFlight(Cockpit& c) {
   if (flight.Aircraft.empty()) flight.Aircraft = c.aircraft.Title;
 
   const RouteResult route = WayPointFinalAnalysis(c.plan, c.link.HeavyAircraft);
-  const FlightEvaluationInputs in{HasFlaps(c.aircraft),      c.aircraft.Raw.RetractableGear,
+  const FlightEvaluationInputs in{c.aircraft.HasFlaps(),     c.aircraft.Raw.RetractableGear,
                                   c.aircraft.Raw.FloatPlane, now.LoadedWeightWord,
                                   c.aircraft.StallLanding,   route.Bonus};
   const FlightEvaluation e = EvaluateFlight(flight, in);

@@ -85,6 +85,16 @@ bool AircraftValues::WantType(AircraftType t) const {
   return IsType(t) && Monitoring.Boeing[static_cast<size_t>(BoxesOf(t).mainBox)];
 }
 
+bool AircraftValues::IsJet() const {
+  return IsType(AircraftType::B737) || IsType(AircraftType::B757) || IsType(AircraftType::Lear45) ||
+         IsType(AircraftType::CRJ700);
+}
+
+bool AircraftValues::WantJet() const {
+  return WantType(AircraftType::B737) || WantType(AircraftType::B757) ||
+         WantType(AircraftType::Lear45) || WantType(AircraftType::CRJ700);
+}
+
 bool ProfileIsEstimated(const AircraftValues& a) {
   return Upper(Trim(Right(a.SourceFile, 3))) == "CFG";
 }
@@ -236,6 +246,14 @@ void SetOtterOptions(AircraftValues& a, const AircraftIdentity& id) {
 }
 
 void SetAircraftTypeOptions(AircraftValues& a, const AircraftIdentity& id) {
+  if (a.TypeTestedFor == id) {
+    for (int t = 0; t < kAircraftTypes; ++t) {
+      const auto type = static_cast<AircraftType>(t);
+      SetTypeOptions(a, type, a.IsType(type));
+    }
+    return;
+  }
+  a.TypeTestedFor = id;
   Set737Options(a, id);
   SetC172Options(a, id);
   SetC152Options(a, id);

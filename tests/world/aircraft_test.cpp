@@ -62,6 +62,11 @@ TEST(AircraftTypes, OptionsEnableTheTypesBoxesAndWantNeedsTheMainBox) {
   EXPECT_FALSE(a.WantType(T::C182));
   a.Monitoring.Boeing[13] = true;
   EXPECT_TRUE(a.WantType(T::C182));
+  // The same aircraft on the next tick: the kept answers enable its boxes again.
+  a.Monitoring.BoeingEnabled.fill(false);
+  SetAircraftTypeOptions(a, Identity("C182", "Cessna Skylane"));
+  EXPECT_TRUE(a.Monitoring.BoeingEnabled[13]);
+  EXPECT_TRUE(a.WantType(T::C182));
   // Another aircraft: the boxes go grey and the rules stop.
   SetAircraftTypeOptions(a, Identity("PMDG_737NGX", "Boeing 737"));
   EXPECT_FALSE(a.Monitoring.BoeingEnabled[13]);
