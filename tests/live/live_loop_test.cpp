@@ -140,10 +140,18 @@ TEST(LiveLoop, ARecordingFlownLiveSaysWhatReplaySays) {
   ASSERT_TRUE(ParseRecording("taxi", text, recording, error)) << error;
   const int64_t ticks = recording.TotalTicks();
 
+  // A root of the test's own: other tests may be writing voices into the
+  // program's data folder meanwhile.
+  const fs::path folder = fs::temp_directory_path() / ("vantoro-feed-" + std::to_string(getpid()));
+  fs::remove_all(folder);
+  const std::string root = MakeVoiceRoot(folder.string(), "Jim",
+                                         {"VantoroInitialization.wav", "TeachVNTRConnecting.wav"});
+
   Witness witness;
   LiveParts parts = TestParts(witness);
   parts.recording = std::make_unique<RecordingFeed>(recording);
-  LiveProgram program(LiveSetup{DataRoot(), kSpeed}, std::move(parts));
+  LiveProgram program(LiveSetup{root, kSpeed}, std::move(parts));
+  program.StartUp();
   std::thread loop([&] { EXPECT_EQ(program.Run(), 0); });
   const bool ended = WaitFor([&] { return witness.ended.load(); });
   program.Stop();
@@ -151,7 +159,7 @@ TEST(LiveLoop, ARecordingFlownLiveSaysWhatReplaySays) {
   ASSERT_TRUE(ended) << "the recording was not flown to its end";
 
   const std::vector<Event> live = witness.Events();
-  const std::vector<Event> replayed = ReplayText(text, {DataRoot(), kSeed, true, ""}).events;
+  const std::vector<Event> replayed = ReplayText(text, {root, kSeed, true, ""}).events;
   EXPECT_EQ(Story(live, "end"), Story(replayed, "end"));
   EXPECT_GE(program.loop().Fired(LiveTimer::FSPoll), ticks);
   EXPECT_GE(program.loop().Fired(LiveTimer::SoundTimer), program.loop().Fired(LiveTimer::FSPoll));
@@ -164,6 +172,7 @@ TEST(LiveLoop, ARecordingFlownLiveSaysWhatReplaySays) {
   for (size_t i = 0; i < lines.size(); ++i) EXPECT_EQ(lines[i].json, EventJson(live[skipped + i]));
   EXPECT_EQ(StateTick(program), replayed.back().tick);
   EXPECT_EQ(program.feed().State().value("status", ""), "Status: The recording is finished");
+  fs::remove_all(folder);
 }
 
 TEST(LiveLoop, PostedWorkRunsOnTheLoopThreadInTheOrderPosted) {
