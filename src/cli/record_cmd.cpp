@@ -11,6 +11,7 @@
 #include <thread>
 
 #include "base/files.h"
+#include "base/gzip.h"
 #include "base/text.h"
 #include "cli/commands.h"
 #include "link/platform_link.h"
@@ -80,7 +81,7 @@ int RecordLive(SimLink& link, const Clock& clock, const std::string& out,
 
   std::error_code ec;
   if (ok && EndsWith(Upper(out), ".GZ")) {
-    ok = WriteFileAtomic(out, Gzip(writer.Text()));
+    ok = WriteFileAtomic(out, GzipText(writer.Text()));
     if (ok) std::filesystem::remove(part, ec);
   } else if (ok) {
     std::filesystem::rename(part, out, ec);

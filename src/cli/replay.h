@@ -59,9 +59,12 @@ class Replay {
   // The phrases the pilot spoke, in order. Voice commands are not part of the
   // instructor yet, so they are kept here, each before the tick it precedes.
   const std::vector<std::string>& Phrases() const { return phrases_; }
+  // One directive of the recording; hosts that pace the flight themselves
+  // (the live app's stand-in, the plots of a recorded flight) feed ticks
+  // one at a time.
+  void Step(const RecordingStep& step);
 
  private:
-  void Step(const RecordingStep& step);
   void OneTick();
 
   Events& events_;

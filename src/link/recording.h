@@ -53,12 +53,6 @@ bool ParseRecording(std::string_view name, std::string_view text, Recording& out
 // file cannot be read at all.
 bool LoadRecording(const std::string& path, Recording& out, std::string& error);
 
-// Decompresses gzip data; plain data comes back unchanged. False when the
-// data starts like gzip but is damaged.
-bool Gunzip(std::string_view data, std::string& out);
-// Compresses text as a .gz file holds it.
-std::string Gzip(std::string_view data);
-
 // Puts a Write step's bytes into the image (the reader has checked the range).
 void ApplyWrite(OffsetImage& image, const RecordingStep& step);
 

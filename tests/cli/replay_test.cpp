@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "base/files.h"
+#include "base/gzip.h"
 #include "base/text.h"
 #include "cli/commands.h"
 #include "support/scenario.h"
@@ -100,10 +101,10 @@ TEST_F(Cli, BadReplaysEndWithStatusTwoAndWriteNothing) {
 }
 
 TEST_F(Cli, ReplayWritesEventsAndCopiesThePilot) {
-  const std::string rec = Write("r.vrec.gz", Gzip("vantoro-recording 1\n"
-                                                  "clock 2026-11-21T14:05:00\n"
-                                                  "u8 0366 1\n"
-                                                  "tick 6\n"));
+  const std::string rec = Write("r.vrec.gz", GzipText("vantoro-recording 1\n"
+                                                      "clock 2026-11-21T14:05:00\n"
+                                                      "u8 0366 1\n"
+                                                      "tick 6\n"));
   const std::string pilot = Write("Ace.plt", "[Pilot]\nName=Ace\n");
   ASSERT_EQ(
       Run(ReplayCommand, {rec, "--root", testing::DataRoot(), "--pilot", pilot, "--out",
