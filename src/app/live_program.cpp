@@ -72,6 +72,7 @@ LiveProgram::LiveProgram(const LiveSetup& setup, LiveParts parts)
   if (tap_ && parts_.record)
     recorder_ = std::make_unique<FlightRecorder>(
         *tap_, parts_.clock ? *parts_.clock : static_cast<const Clock&>(systemClock_));
+  loop_.SetAfterPosted([this](Instructor&) { PublishState(); });
   loop_.SetBody(LiveTimer::FSPoll, [this](Instructor& in) { PollTick(in); });
   loop_.SetBody(LiveTimer::SoundTimer, [this](Instructor& in) {
     in.SoundStep();

@@ -60,7 +60,7 @@ void StandInHost::Loop() {
   std::string error;
   LoadRecording(setup_.recording, recording, error);
   FeedEvents events(feed);
-  Replay replay(ReplaySetup{setup_.root, 1, false}, events);
+  Replay replay(ReplaySetup{setup_.root, 1, false, {}, {}}, events);
   Instructor& in = replay.instructor();
   if (!setup_.pilot.empty()) {
     LoadPilotData(setup_.pilot, in.pilot, in.sound, in.options);
