@@ -17,6 +17,7 @@
 #include "app/alsa_audio.h"
 #include "app/data_root.h"
 #include "app/live_program.h"
+#include "app/web/web_server.h"
 #include "cli/commands.h"
 #include "link/platform_link.h"
 #include "link/recording.h"
@@ -202,21 +203,32 @@ int Main(int argc, char** argv) {
   parts.alsoTell = &console;
   LiveProgram program(LiveSetup{root}, std::move(parts));
 
-  // The pilot's app. Its server is made here, over the program's mailbox and
-  // live feed, once it exists:
-  //   WebServer web({root, {}, o.port, o.listen}, program.mailbox(), program.feed());
-  //   program.stateOf = LiveState;  web.Start(error); print web.Url() (and the
-  //   pairing code with --listen); OpenBrowser(web.Url()) unless --no-browser.
-  const bool appServed = false;
-  if (!appServed && (!o.listen.empty() || o.port != kDefaultPort))
-    std::cout << "The pilot's app is not served by this build; --port and --listen wait for it\n";
-  if (appServed && !o.noBrowser) OpenBrowser("http://127.0.0.1:" + std::to_string(o.port) + "/");
+  // The pilot's app, served over the program's mailbox and live feed; it
+  // answers at once, and asks the loop once the loop runs.
+  WebServerOptions webOptions;
+  webOptions.root = root;
+  webOptions.port = o.port;
+  webOptions.lanAddress = o.listen;
+  WebServer web(webOptions, program.mailbox(), program.feed());
+  program.stateOf = [](Instructor& in) { return LiveState(in); };
+  if (std::string error; !web.Start(error)) {
+    std::cerr << "vantoro: " << error << '\n';
+    return kExitUsage;
+  }
+  std::cout << "The pilot's app: " << web.Url() << std::endl;
+  if (!web.PairingCode().empty())
+    std::cout << "Pairing code for other devices: " << web.PairingCode() << std::endl;
+  if (!o.noBrowser) OpenBrowser(web.Url());
 
   program.StartUp();
   signals.Start(program);
   std::cout << "Vantoro is running; Ctrl+C ends it" << std::endl;
   const int status = program.Run();
+  // The failure report stays on the app's page a moment before the end.
   if (status == kExitReport) std::this_thread::sleep_for(kReportShownFor);
+  program.mailbox().Close();
+  program.feed().Close();
+  web.Stop();
   return status;
 }
 
