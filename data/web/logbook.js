@@ -19,6 +19,14 @@ function dateText(d) {
     d.toLocaleTimeString(undefined, {hour: '2-digit', minute: '2-digit'}) : '';
 }
 
+// The flight's duration, logged in seconds.
+function durationText(seconds) {
+  const s = Number(seconds);
+  if (!Number.isFinite(s) || seconds === '') return '';
+  const h = Math.floor(s / 3600), m = Math.floor((s % 3600) / 60), r = Math.round(s % 60);
+  return (h ? h + ' h ' : '') + m + ' min ' + r + ' s';
+}
+
 function chart(id, config) {
   if (typeof Chart === 'undefined') return;
   if (charts[id]) charts[id].destroy();
@@ -62,7 +70,7 @@ async function loadFlights() {
       el('td', {}, dateText(r.date)), el('td', {}, r.aircraft),
       el('td', {class: 'num'}, r.landing.toFixed(1)), el('td', {class: 'num'}, r.flight.toFixed(1)),
       el('td', {class: 'num'}, r.circuit ? r.circuit.toFixed(1) : '-'),
-      el('td', {}, r.duration || ''))));
+      el('td', {}, durationText(r.duration)))));
   }
   const labels = rows.map(r => dateText(r.date));
   lineChart('scoresChart', labels, [
