@@ -1,6 +1,7 @@
 #include "engine/end_flight.h"
 
 #include "base/failure.h"
+#include "engine/navigation.h"
 #include "engine/tick_rules.h"
 #include "records/crash_report.h"
 #include "records/flight_evaluation.h"
@@ -36,12 +37,21 @@ void ScoreAndRecordFlight(Cockpit& c) {
   c.link.AirborneSeconds = 0;
   if (flight.Aircraft.empty()) flight.Aircraft = c.aircraft.Title;
 
+  const RouteResult route = WayPointFinalAnalysis(c.plan, c.link.HeavyAircraft);
   const FlightEvaluationInputs in{HasFlaps(c.aircraft),      c.aircraft.Raw.RetractableGear,
                                   c.aircraft.Raw.FloatPlane, now.LoadedWeightWord,
-                                  c.aircraft.StallLanding,   WayPointFinalAnalysis()};
+                                  c.aircraft.StallLanding,   route.Bonus};
   const FlightEvaluation e = EvaluateFlight(flight, in);
   Voice v = c.voice();
   for (const std::string& sound : e.Sounds) PlayAlways(v, sound);
+  // The route is told where its bonus joins the score: after the items.
+  SayRouteResult(v, route);
+  if (route.Monitored)
+    c.events.Emit(f.TickCount, "route",
+                  {{"crossed", route.Crossed},
+                   {"in_sequence", route.InSequence},
+                   {"points", FlightPlanCount(c.plan)},
+                   {"bonus", route.Bonus}});
 
   s.FlightScore = e.Score;
   s.FlightGoodList = e.GoodList;
@@ -128,7 +138,7 @@ void StartFlight(Cockpit& c) {
   s.LogBookMarkup.clear();
 
   // The flight plan is cleared, and with it the current waypoint.
-  c.plan = FlightPlan{};
+  cmdClearFlightPlan_Click(c.plan);
   c.flight.Flight().Aircraft = c.aircraft.Title;
 }
 

@@ -8,6 +8,7 @@
 
 #include "engine/approach_state.h"
 #include "engine/ground_state.h"
+#include "engine/route_state.h"
 #include "engine/runway_choice.h"
 #include "engine/stats_view.h"
 #include "link/fsdata.h"
@@ -102,6 +103,7 @@ struct FlightState {
   // The nearest and the landing runway of the world data.
   RunwayChoice Runways;
   ApproachState approach;  // the approach monitors
+  RouteState route;        // the route coaching along a loaded plan
   GroundState Ground;      // the ground rules' memory
 };
 

@@ -5,6 +5,7 @@
 
 #include "engine/approach.h"
 #include "engine/end_flight.h"
+#include "engine/navigation.h"
 #include "engine/tick_rules.h"
 #include "records/clocks.h"
 #include "records/flight_stats.h"
@@ -194,8 +195,18 @@ void BeginFlight(Cockpit& c) {
   RestartFlightTimer(c);
   StartBlockTimer(f.clocks, now);
 
-  // The flight plan is loaded and shown here (AnnounceProcessFlightPlan), and
-  // the fuel leak of the failures starts at 100 percent.
+  // The plan the pilot chose is read again, so that its route starts afresh;
+  // the fuel leak of the failures starts at 100 percent here.
+  Notices planNotices;
+  const std::vector<std::string> planDisplay = AnnounceProcessFlightPlan(c.plan, &planNotices);
+  for (const Notice& n : planNotices)
+    c.events.Emit(f.TickCount, "notice", {{"text", NoticeText(n)}});
+  if (FlightPlanCount(c.plan) > 0) {
+    std::string shown;
+    for (const std::string& line : planDisplay) shown += (shown.empty() ? "" : "\n") + line;
+    c.events.Emit(f.TickCount, "flightplan",
+                  {{"file", c.plan.File}, {"points", FlightPlanCount(c.plan)}, {"display", shown}});
+  }
   if (now.AircraftTitle.empty() || now.AircraftTitle == "Unknown") f.Stats.CurrentAircraft.clear();
 
   c.sound.LastPlayed.fill(0);
@@ -205,7 +216,8 @@ void BeginFlight(Cockpit& c) {
 
   if (!now.Vor1Ident.empty() && now.Vor1Ident != before.Vor1Ident && f.UserConnected) {
     ShowMessage(c, "VOR1:" + now.Vor1Ident + " " + now.Vor1Name, kVor1MessageSeconds);
-    // The identifier is spelt here after "Nav1IsTunedTo.wav" (spoken phrases).
+    Voice v = c.voice();
+    Nav1IsTunedTo(v, now);
   }
 
   if (now.OnGround > 0) {

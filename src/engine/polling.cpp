@@ -9,6 +9,7 @@
 #include "engine/approach.h"
 #include "engine/cruise.h"
 #include "engine/ground.h"
+#include "engine/navigation.h"
 #include "engine/tick_rules.h"
 #include "world/geo.h"
 
@@ -85,8 +86,7 @@ void ProcessTick(Cockpit& c) {
   const FSData& now = link.Now();
   c.sound.Status.Nav1OBS = now.Nav1OBS;
 
-  // The simulator's flight plan is loaded here once a connection, when the
-  // pilot asks for it (flight plans).
+  LoadSimulatorPlanOnConnect(c);
 
   SetAircraftTypeOptions(c.aircraft, IdentityOf(c));
 
@@ -127,7 +127,7 @@ void ProcessTick(Cockpit& c) {
   // Voice actions (VoiceHotKeyAction), the NAV1 retune announcement,
   // transponder messages, instrument advice on taxi, the aircraft's start-up,
   // fuel, door, pump, lights and COM1-emergency rules run here.
-  // Flight plan help runs here.
+  FlightPlanHelp(c);
   CruisingWithFlaps(c);
   // Navigation advice, engine loss announcements, chatter and the piston
   // mixture rules run here.
@@ -150,9 +150,14 @@ void ProcessTick(Cockpit& c) {
     GroundRules(c);
     TaxiRules(c);
   } else if (f.GroundLatch != 1) {
-    // Random failures, the fuel leak and the waypoints run here.
+    // Random failures and the fuel leak run here, then the waypoints.
+    WayPointCheck(c);
+    NextWayPointCheck(c);
+    SuggestNavAid(c);
+    TuneNavAid(c);
     GlideslopeCapture(c);
-    // The VOR teaching messages run here (navigation coaching).
+    VORTeaching(c);
+    AnnounceMarkers(c);
     AutoTuneILS(c);
     LandingModeArrival(c);
     // The circuit monitors run here; then the flight monitors.

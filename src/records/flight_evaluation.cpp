@@ -63,10 +63,6 @@ double TruncateScore(double score) {
   return Int(score * 100) / 100;
 }
 
-double WayPointFinalAnalysis() {
-  return 0;
-}
-
 FlightEvaluation EvaluateFlight(const FlightStats& f, const FlightEvaluationInputs& in) {
   FlightEvaluation e;
   e.Problems = FlightPPScore(f);

@@ -19,7 +19,7 @@ struct FlightEvaluationInputs {
   bool FloatPlane = false;       // the profile's float-plane box
   double WeightClass = 0;        // zero-fuel weight in 256-pound units
   int32_t StallLanding = 0;      // knots
-  double RouteBonus = 0;         // WayPointFinalAnalysis()
+  double RouteBonus = 0;         // the route's bonus (WayPointFinalAnalysis)
 };
 
 struct FlightEvaluation {
@@ -44,8 +44,6 @@ inline constexpr double kClassBonusWeightFloor = 10;
 double AircraftClassBonus(double weightClass, int32_t stallLanding);
 // Int(score x 100) / 100.
 double TruncateScore(double score);
-// The route bonus of the flight plan; no route is scored yet.
-double WayPointFinalAnalysis();
 
 // The flight's score and report, from the closed flight's record.
 FlightEvaluation EvaluateFlight(const FlightStats& flight, const FlightEvaluationInputs& in);

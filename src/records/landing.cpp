@@ -465,7 +465,7 @@ LandingVerdict LandingComputeAndSpeak(const LandingContext& in, FlightStats& fli
   const bool floatPlane = in.Aircraft.Raw.FloatPlane;
   const std::string lb(kLB);
 
-  // Step 1: the clock of the report; the texts and the waypoints start anew.
+  // Step 1: the clock of the report; the texts start anew.
   const int32_t d = flight.FlightDuration;
   int32_t hours = 0;
   int32_t minutes = 0;
@@ -484,9 +484,9 @@ LandingVerdict LandingComputeAndSpeak(const LandingContext& in, FlightStats& fli
   scores.FlightGoodList.clear();
   scores.FlightBadList.clear();
   scores.LandingScore = 0;
+  // The plan's points stay: the end of the flight scores the route from them.
   plan.CurrentWaypointName = "Unknown";
   plan.NextWaypoint = 0;
-  plan.Waypoints.clear();
 
   // Step 2: the log book's day and night.
   if (std::fabs(d - flight.Day) < kDayNightSlack) {
