@@ -17,6 +17,7 @@
 #include "app/alsa_audio.h"
 #include "app/data_root.h"
 #include "app/live_program.h"
+#include "app/web/web_server.h"
 #include "cli/commands.h"
 #include "link/platform_link.h"
 #include "link/recording.h"
@@ -202,15 +203,21 @@ int Main(int argc, char** argv) {
   parts.alsoTell = &console;
   LiveProgram program(LiveSetup{root}, std::move(parts));
 
-  // The pilot's app. Its server is made here, over the program's mailbox and
-  // live feed, once it exists:
-  //   WebServer web({root, {}, o.port, o.listen}, program.mailbox(), program.feed());
-  //   program.stateOf = LiveState;  web.Start(error); print web.Url() (and the
-  //   pairing code with --listen); OpenBrowser(web.Url()) unless --no-browser.
-  const bool appServed = false;
-  if (!appServed && (!o.listen.empty() || o.port != kDefaultPort))
-    std::cout << "The pilot's app is not served by this build; --port and --listen wait for it\n";
-  if (appServed && !o.noBrowser) OpenBrowser("http://127.0.0.1:" + std::to_string(o.port) + "/");
+  // The pilot's app, over the program's mailbox and live feed.
+  WebServerOptions appOptions;
+  appOptions.root = root;
+  appOptions.port = o.port;
+  appOptions.lanAddress = o.listen;
+  WebServer app(appOptions, program.mailbox(), program.feed());
+  program.stateOf = [](Instructor& in) { return LiveState(in); };
+  if (std::string error; !app.Start(error)) {
+    std::cerr << "vantoro: " << error << '\n';
+    return kExitUsage;
+  }
+  std::cout << "The pilot's app: " << app.Url() << std::endl;
+  if (!app.PairingCode().empty())
+    std::cout << "Pairing code for other devices: " << app.PairingCode() << std::endl;
+  if (!o.noBrowser) OpenBrowser(app.Url());
 
   program.StartUp();
   signals.Start(program);

@@ -9,14 +9,15 @@
   app_browser.py screenshots --host PROGRAM --source DIR --out DIR
       A picture of each page, after the demo circuit has been flown.
 
-PROGRAM serves the app over the demo recording: the stand-in host
-(vantoro-app-standin), or `vantoro` when it is given as PROGRAM and its name
-is vantoro (then it is run with --replay).
+PROGRAM serves the app over the demo recording: `vantoro`, run with --replay
+(in real time), or the stand-in host vantoro-app-standin, which flies it
+faster (the screenshots need the whole flight).
 """
 import argparse
 import os
 import shutil
 import signal
+import socket
 import subprocess
 import sys
 import tempfile
@@ -53,8 +54,10 @@ class App:
             os.symlink(os.path.join(source, "data", "Sound"), os.path.join(data, "Sound"))
         self.data = data
         recording = os.path.join(data, "Recordings", "demo-c172-circuit.vrec")
-        if os.path.basename(host) == "vantoro":
-            cmd = [host, "--root", data, "--replay", recording, "--no-browser", "--port", "0"]
+        self.real_time = os.path.basename(host) == "vantoro"
+        if self.real_time:
+            cmd = [host, "--root", data, "--replay", recording, "--no-browser",
+                   "--port", str(free_port())]
         else:
             cmd = [host, "--root", data, "--recording", recording, "--tick-ms", str(tick_ms),
                    "--pilot", os.path.join(data, "PilotRoster", "LightSpeed.plt")]
@@ -81,6 +84,12 @@ class App:
             except subprocess.TimeoutExpired:
                 self.proc.kill()
         shutil.rmtree(self.root, ignore_errors=True)
+
+
+def free_port():
+    with socket.socket() as s:
+        s.bind(("127.0.0.1", 0))
+        return s.getsockname()[1]
 
 
 def browser(width=1280, height=900):
@@ -120,14 +129,16 @@ def run_test(args):
     failures = []
     try:
         driver.get(app.url)
-        wait = WebDriverWait(driver, 90, poll_frequency=0.2)
+        # In real time the demo taxies for two minutes before it takes off.
+        wanted = 2 if app.real_time else 3
+        wait = WebDriverWait(driver, 240 if app.real_time else 90, poll_frequency=0.2)
         modes = []
 
         def mode_seen(d):
             m = text(d, "mode")
             if m and (not modes or modes[-1] != m):
                 modes.append(m)
-            return len(set(modes) - {"No flight mode"}) >= 3
+            return len(set(modes) - {"No flight mode"}) >= wanted
 
         wait.until(mode_seen)
         spoken = [c for c in captions(driver) if not c.startswith(("Flight mode", "Landing", "Flight "))]

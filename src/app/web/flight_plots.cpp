@@ -131,7 +131,7 @@ nlohmann::json RecordedFlight(const std::string& recordingPath, const std::strin
   std::string start;  // the wall clock at the first tick, when the recording gives it
   NoEvents quiet;
   try {
-    Replay replay(ReplaySetup{root, 1, true}, quiet);
+    Replay replay(ReplaySetup{root, 1, true, {}, {}}, quiet);
     Instructor& in = replay.instructor();
     RecordingStep one;
     one.kind = RecordingStep::Kind::Tick;
