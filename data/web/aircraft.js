@@ -65,7 +65,8 @@ function render(a) {
   document.getElementById('lockNote').textContent = a.locked ?
     'To change these figures choose User Specified Data.' : 'Your own figures: change them and save.';
   const w = a.working;
-  const rows = WORKING.map(([k, l]) => el('tr', {}, el('td', {}, l), el('td', {class: 'num'}, w[k] + ' kt')));
+  const speed = k => (k === 'GearSpeedLimit' && !w[k]) ? 'fixed gear' : w[k] + ' kt';
+  const rows = WORKING.map(([k, l]) => el('tr', {}, el('td', {}, l), el('td', {class: 'num'}, speed(k))));
   rows.push(el('tr', {}, el('td', {}, 'Flap speed limits'),
     el('td', {class: 'num'}, w.FlapSpeedLimit.join(' / '))));
   document.getElementById('working').replaceChildren(...rows);

@@ -519,7 +519,7 @@ json AircraftPage(Instructor& in) {
   const AircraftValues& a = in.aircraft;
   json j;
   j["title"] = a.Title;
-  j["sourceFile"] = a.SourceFile;
+  j["sourceFile"] = NativePath(a.SourceFile);
   j["source"] = SourceName(a.Source);
   j["estimated"] = ProfileIsEstimated(a);
   j["locked"] = a.Locked;
