@@ -51,7 +51,7 @@ class App:
         # A copy to write in; the voice packs, large and only read, are linked.
         shutil.copytree(os.path.join(source, "data"), data, ignore=shutil.ignore_patterns("Sound"))
         if os.path.isdir(os.path.join(source, "data", "Sound")):
-            os.symlink(os.path.join(source, "data", "Sound"), os.path.join(data, "Sound"))
+            os.symlink(os.path.abspath(os.path.join(source, "data", "Sound")), os.path.join(data, "Sound"))
         self.data = data
         recording = os.path.join(data, "Recordings", "demo-c172-circuit.vrec")
         self.real_time = os.path.basename(host) == "vantoro"
