@@ -9,7 +9,7 @@ JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
 CLI        := $(BUILD)/src/cli/vantoro-cli
 DEMO_OUT   ?= demo-output
 
-.PHONY: all setup build test test-main test-asan test-windows demo voices bench format clean
+.PHONY: all setup build test test-main test-asan test-windows demo voices bench format clean screenshots
 
 all: build
 
@@ -63,6 +63,12 @@ $(BENCH_BUILD)/CMakeCache.txt:
 bench: setup $(BENCH_BUILD)/CMakeCache.txt
 	cmake --build $(BENCH_BUILD) -j $(JOBS)
 	@for b in $(BENCH_BUILD)/bench/bench_*; do echo "== $$b"; $$b --benchmark_min_time=0.2; done
+
+# A picture of each page of the pilot's app (build/screenshots/*.png), taken
+# in headless Chromium while the demo circuit flies.
+screenshots: build voices
+	/usr/bin/python3 tests/app/app_browser.py screenshots \
+	  --host $(BUILD)/tests/app/vantoro-app-standin --source . --out $(BUILD)/screenshots
 
 format:
 	find src tests bench tools -name '*.cpp' -o -name '*.h' | xargs clang-format -i

@@ -203,32 +203,27 @@ int Main(int argc, char** argv) {
   parts.alsoTell = &console;
   LiveProgram program(LiveSetup{root}, std::move(parts));
 
-  // The pilot's app, served over the program's mailbox and live feed; it
-  // answers at once, and asks the loop once the loop runs.
-  WebServerOptions webOptions;
-  webOptions.root = root;
-  webOptions.port = o.port;
-  webOptions.lanAddress = o.listen;
-  WebServer web(webOptions, program.mailbox(), program.feed());
+  // The pilot's app, over the program's mailbox and live feed.
+  WebServerOptions appOptions;
+  appOptions.root = root;
+  appOptions.port = o.port;
+  appOptions.lanAddress = o.listen;
+  WebServer app(appOptions, program.mailbox(), program.feed());
   program.stateOf = [](Instructor& in) { return LiveState(in); };
-  if (std::string error; !web.Start(error)) {
+  if (std::string error; !app.Start(error)) {
     std::cerr << "vantoro: " << error << '\n';
     return kExitUsage;
   }
-  std::cout << "The pilot's app: " << web.Url() << std::endl;
-  if (!web.PairingCode().empty())
-    std::cout << "Pairing code for other devices: " << web.PairingCode() << std::endl;
-  if (!o.noBrowser) OpenBrowser(web.Url());
+  std::cout << "The pilot's app: " << app.Url() << std::endl;
+  if (!app.PairingCode().empty())
+    std::cout << "Pairing code for other devices: " << app.PairingCode() << std::endl;
+  if (!o.noBrowser) OpenBrowser(app.Url());
 
   program.StartUp();
   signals.Start(program);
   std::cout << "Vantoro is running; Ctrl+C ends it" << std::endl;
   const int status = program.Run();
-  // The failure report stays on the app's page a moment before the end.
   if (status == kExitReport) std::this_thread::sleep_for(kReportShownFor);
-  program.mailbox().Close();
-  program.feed().Close();
-  web.Stop();
   return status;
 }
 

@@ -240,7 +240,8 @@ void SoundTimer(Voice& v, int channel) {
 void ShowRemark(Voice& v, std::string_view file, int level) {
   v.state.RemarkText = CaptionOf(v.state, InstructorPath(v.state, file));
   v.state.RemarkLevel = level;
-  v.events.Emit(v.tick, "remark", {{"file", file}, {"level", level}});
+  v.events.Emit(v.tick, "remark",
+                {{"file", file}, {"level", level}, {"caption", v.state.RemarkText}});
 }
 
 bool DisplayFSMessage(Voice& v, std::string_view text, int seconds) {

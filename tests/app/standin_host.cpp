@@ -6,7 +6,6 @@
 #include "base/failure.h"
 #include "cli/event_writers.h"
 #include "cli/replay.h"
-#include "shell/pilot.h"
 
 namespace vantoro {
 
@@ -60,13 +59,9 @@ void StandInHost::Loop() {
   std::string error;
   LoadRecording(setup_.recording, recording, error);
   FeedEvents events(feed);
-  Replay replay(ReplaySetup{setup_.root, 1, false, {}, {}}, events);
+  Replay replay(ReplaySetup{setup_.root, 1, false, setup_.pilot, setup_.root}, events);
   Instructor& in = replay.instructor();
-  if (!setup_.pilot.empty()) {
-    LoadPilotData(setup_.pilot, in.pilot, in.sound, in.options);
-    in.scores.PilotFile = in.pilot.CurrentPilotFile;
-    in.settings.PilotFile = in.pilot.CurrentPilotFile;
-  }
+  in.settings.PilotFile = in.pilot.CurrentPilotFile;
   feed.PublishState(LiveState(in));
 
   // Waits out the pace of one tick, running what the app posts meanwhile.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <exception>
 #include <vector>
 
@@ -97,16 +98,21 @@ nlohmann::json TouchdownCard(const std::vector<Sample>& s, size_t td, const Runw
   return card;
 }
 
+// The final approach: back from the touchdown while the aircraft was coming
+// closer, up to kApproachPlotMiles out.
 nlohmann::json Approach(const std::vector<Sample>& s, size_t td) {
-  nlohmann::json points = nlohmann::json::array();
+  auto distance = [&](size_t i) { return CalcDistance(s[i].lat, s[i].lon, s[td].lat, s[td].lon); };
   size_t first = td;
-  while (first > 0 && !s[first - 1].onGround &&
-         CalcDistance(s[first - 1].lat, s[first - 1].lon, s[td].lat, s[td].lon) <=
-             kApproachPlotMiles)
+  double farthest = 0;
+  while (first > 0 && !s[first - 1].onGround) {
+    const double d = distance(first - 1);
+    if (d > kApproachPlotMiles || d < farthest - kTurnedAwayMiles) break;
+    farthest = std::max(farthest, d);
     --first;
+  }
+  nlohmann::json points = nlohmann::json::array();
   for (size_t i = first; i <= td; ++i) {
-    const double d = CalcDistance(s[i].lat, s[i].lon, s[td].lat, s[td].lon);
-    points.push_back({{"distance", std::round(d * 100.0) / 100.0},
+    points.push_back({{"distance", std::round(distance(i) * 100.0) / 100.0},
                       {"height", std::lround(s[i].agl)},
                       {"ias", s[i].ias}});
   }
@@ -122,6 +128,7 @@ nlohmann::json RecordedFlight(const std::string& recordingPath, const std::strin
 
   std::vector<Sample> samples;
   std::vector<RunwayAtTouchdown> runways;
+  std::string start;  // the wall clock at the first tick, when the recording gives it
   NoEvents quiet;
   try {
     Replay replay(ReplaySetup{root, 1, true, {}, {}}, quiet);
@@ -130,6 +137,13 @@ nlohmann::json RecordedFlight(const std::string& recordingPath, const std::strin
     one.kind = RecordingStep::Kind::Tick;
     for (const RecordingStep& step : recording.steps) {
       if (step.kind != RecordingStep::Kind::Tick) {
+        if (step.kind == RecordingStep::Kind::Clock && samples.empty()) {
+          char text[24];
+          std::snprintf(text, sizeof text, "%04d-%02d-%02dT%02d:%02d:%02d", step.clock.year,
+                        step.clock.month, step.clock.day, step.clock.hour, step.clock.minute,
+                        static_cast<int>(step.clock.second));
+          start = text;
+        }
         replay.Step(step);
         continue;
       }
@@ -193,7 +207,7 @@ nlohmann::json RecordedFlight(const std::string& recordingPath, const std::strin
     landings.push_back(
         {{"approach", Approach(samples, i)}, {"card", TouchdownCard(samples, i, runways[i])}});
   }
-  return {{"ticks", ticks}, {"landings", landings}};
+  return {{"start", start}, {"ticks", ticks}, {"landings", landings}};
 }
 
 }  // namespace vantoro

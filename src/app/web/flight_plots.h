@@ -12,6 +12,9 @@ namespace vantoro {
 
 // The approach plot starts this far out, nautical miles.
 inline constexpr double kApproachPlotMiles = 8.0;
+// Going back from the touchdown, the approach began where the aircraft was
+// last this much farther out than at its farthest (it was turning onto final).
+inline constexpr double kTurnedAwayMiles = 0.05;
 // The touchdown card shows the last ticks below this height above the ground.
 inline constexpr double kTouchdownCardFeet = 50.0;
 // Ground contacts this soon after the touchdown are bounces, not landings.
@@ -21,7 +24,8 @@ inline constexpr int kAirborneBeforeLandingTicks = 60;
 inline constexpr double kFeetPerMile = 6076.12;
 inline constexpr double kGForceUnit = 625.0;  // the simulator's load factor for 1 g
 
-// {"ticks": [...], "landings": [{"approach": [...], "card": {...}}]} or, when
+// {"start": "2026-11-21T14:05:00" or "", "ticks": [...], "landings":
+// [{"approach": [...], "card": {...}}]} or, when
 // the recording cannot be read, {"error": "FILE:LINE: ..."}.
 nlohmann::json RecordedFlight(const std::string& recordingPath, const std::string& root);
 

@@ -358,9 +358,12 @@ json SavePilotAction(Instructor& in, const json& body) {
     if (!body["name"].is_string()) return Refusal(400, "\"name\" must be a text");
     name = body["name"].get<std::string>();
   }
+  // The save dialog ("saveAs") always asks for a name.
+  const bool dialog =
+      body.contains("saveAs") && body["saveAs"].is_boolean() && body["saveAs"].get<bool>();
   std::string problem;
   if (Trim(name).empty()) {
-    if (in.pilot.CurrentPilotFile.empty()) return Refusal(422, kNoSaveNameText);
+    if (dialog || in.pilot.CurrentPilotFile.empty()) return Refusal(422, kNoSaveNameText);
     problem = SavePilotData(in.pilot, in.sound);
   } else {
     if (!SafeFileName(std::string(Trim(name))))
@@ -516,7 +519,7 @@ json AircraftPage(Instructor& in) {
   const AircraftValues& a = in.aircraft;
   json j;
   j["title"] = a.Title;
-  j["sourceFile"] = a.SourceFile;
+  j["sourceFile"] = NativePath(a.SourceFile);
   j["source"] = SourceName(a.Source);
   j["estimated"] = ProfileIsEstimated(a);
   j["locked"] = a.Locked;

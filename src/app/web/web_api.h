@@ -33,7 +33,8 @@ json NewPilotAction(Instructor& in);
 // {"file": "Name.plt"}: one of the files the load dialog lists.
 json LoadPilotAction(Instructor& in, const json& body);
 // {"name": "..."} saves under that name in the roster; without a name the
-// current file is written, and with neither the save dialog's message.
+// current file is written. The save dialog ({"saveAs": true}) without a
+// name, or no name and no current file, answers the dialog's message.
 json SavePilotAction(Instructor& in, const json& body);
 // The picture's bytes, already measured by the server (`width`, `height`),
 // are written to `file` and set; the 80-pixel rules refuse first.

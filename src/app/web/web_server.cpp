@@ -145,6 +145,30 @@ bool ConstantTimeEqual(std::string_view a, std::string_view b) {
   return diff == 0;
 }
 
+// The recorded flights: those beside the pilot's log, then the shipped ones.
+std::vector<fs::path> RecordingFiles(const fs::path& root, const std::string& log) {
+  std::vector<fs::path> folders = {root / "Recordings"};
+  if (std::optional<fs::path> file = RootFile(root, log))
+    folders.insert(folders.begin(), file->parent_path());
+  std::vector<fs::path> out;
+  std::error_code ec;
+  for (const fs::path& folder : folders) {
+    std::vector<fs::path> here;
+    for (const auto& entry : fs::directory_iterator(folder, ec)) {
+      const std::string name = entry.path().filename().string();
+      if (!(name.ends_with(".vrec") || name.ends_with(".vrec.gz")) || !entry.is_regular_file(ec))
+        continue;
+      std::error_code bad;
+      const fs::path canonical = fs::canonical(entry.path(), bad);
+      if (!bad && std::find(out.begin(), out.end(), canonical) == out.end())
+        here.push_back(canonical);
+    }
+    std::sort(here.begin(), here.end());
+    out.insert(out.end(), here.begin(), here.end());
+  }
+  return out;
+}
+
 constexpr char kPairingPage[] = R"(<!DOCTYPE html>
 <html lang="en"><head><meta charset="utf-8">
 <meta name="viewport" content="width=device-width, initial-scale=1">
@@ -210,6 +234,22 @@ void WebServer::AskLoop(httplib::Response& res, Mailbox::Question question) {
     answer->erase("status");
   }
   Reply(res, status, *answer);
+}
+
+json WebServer::Flight(const std::string& path) {
+  std::error_code ec;
+  const auto size = fs::file_size(path, ec);
+  const auto time = fs::last_write_time(path, ec).time_since_epoch().count();
+  const std::string stamp = std::to_string(size) + "/" + std::to_string(time);
+  {
+    std::lock_guard lock(flightsMutex_);
+    auto it = flights_.find(path);
+    if (it != flights_.end() && it->second.first == stamp) return it->second.second;
+  }
+  json flight = RecordedFlight(path, options_.root);
+  std::lock_guard lock(flightsMutex_);
+  flights_[path] = {stamp, flight};
+  return flight;
 }
 
 bool WebServer::Start(std::string& error) {
@@ -482,28 +522,36 @@ void WebServer::Routes(httplib::Server& server) {
   server.Get("/api/recordings", [pilotFiles, root](const Request&, Response& res) {
     std::optional<json> files = pilotFiles(res);
     if (!files) return;
-    std::vector<fs::path> folders = {root / "Recordings"};
-    if (std::optional<fs::path> log = RootFile(root, (*files)["log"].get<std::string>()))
-      folders.insert(folders.begin(), log->parent_path());
-    json list = json::array();
     std::error_code ec;
     const fs::path base = fs::canonical(root, ec);
-    for (const fs::path& folder : folders) {
-      for (const auto& entry : fs::directory_iterator(folder, ec)) {
-        const std::string name = entry.path().filename().string();
-        const bool recording =
-            name.ends_with(".vrec") || name.ends_with(".vrec.gz") || name.ends_with(".VREC");
-        if (!recording || !entry.is_regular_file(ec)) continue;
-        std::error_code rel;
-        const fs::path canonical = fs::canonical(entry.path(), rel);
-        if (rel) continue;
-        list.push_back({{"file", canonical.lexically_relative(base).generic_string()},
-                        {"size", entry.file_size(rel)}});
-      }
-    }
+    json list = json::array();
+    for (const fs::path& file : RecordingFiles(root, (*files)["log"].get<std::string>()))
+      list.push_back({{"file", file.lexically_relative(base).generic_string()},
+                      {"size", fs::file_size(file, ec)}});
     Reply(res, 200, json{{"recordings", list}});
   });
-  server.Get("/api/recording", [root](const Request& req, Response& res) {
+  // The touchdowns of every recorded flight, for the plot of touchdown rates.
+  server.Get("/api/touchdowns", [this, pilotFiles, root](const Request&, Response& res) {
+    std::optional<json> files = pilotFiles(res);
+    if (!files) return;
+    std::error_code ec;
+    const fs::path base = fs::canonical(root, ec);
+    json list = json::array();
+    for (const fs::path& file : RecordingFiles(root, (*files)["log"].get<std::string>())) {
+      const json flight = Flight(file.string());
+      if (flight.contains("error")) continue;
+      for (const json& landing : flight["landings"]) {
+        const json& card = landing["card"];
+        list.push_back({{"file", file.lexically_relative(base).generic_string()},
+                        {"start", flight["start"]},
+                        {"time", card["time"]},
+                        {"rate", card["rate"]},
+                        {"g", card["g"]}});
+      }
+    }
+    Reply(res, 200, json{{"touchdowns", list}});
+  });
+  server.Get("/api/recording", [this, root](const Request& req, Response& res) {
     std::optional<fs::path> file = InsideFolder(root, req.get_param_value("file"));
     const std::string name = file ? file->filename().string() : std::string();
     if (!file || !(name.ends_with(".vrec") || name.ends_with(".vrec.gz"))) {
@@ -515,7 +563,7 @@ void WebServer::Routes(httplib::Server& server) {
       Fail(res, 404, "no such recording");
       return;
     }
-    json flight = RecordedFlight(file->string(), root.string());
+    json flight = Flight(file->string());
     if (flight.contains("error")) {
       Reply(res, 422, flight);
       return;

@@ -32,7 +32,9 @@
 #include <atomic>
 #include <chrono>
 #include <cstddef>
+#include <map>
 #include <memory>
+#include <mutex>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <thread>
@@ -95,6 +97,8 @@ class WebServer {
   // Runs `question` on the loop thread and answers with its JSON; the
   // question's "status" field, when present, is the HTTP status.
   void AskLoop(httplib::Response& res, Mailbox::Question question);
+  // A recorded flight read back for the plots, kept while its file is unchanged.
+  nlohmann::json Flight(const std::string& path);
 
   WebServerOptions options_;
   Mailbox& mailbox_;
@@ -102,6 +106,8 @@ class WebServer {
   std::vector<std::unique_ptr<Listener>> listeners_;
   std::atomic<bool> stopping_{false};
   int port_ = 0;
+  std::mutex flightsMutex_;
+  std::map<std::string, std::pair<std::string, nlohmann::json>> flights_;  // path: (stamp, flight)
 };
 
 // The state document the loop publishes after each tick: status line,

@@ -1,0 +1,84 @@
+// The Settings page: every option of settings.ini and the sound device.
+// Each change is written at once.
+'use strict';
+
+let page = null;
+
+async function save(body) {
+  try {
+    render(await api('/api/settings', body));
+    showMessage('msg', 'Saved', true);
+  } catch (x) {
+    showMessage('msg', x.message, false);
+    render(await api('/api/settings'));
+  }
+}
+
+function setting(key, value) { return save({settings: {[key]: value}}); }
+
+function build(p) {
+  const folders = document.getElementById('folders');
+  const rows = p.settings.P3DMode ?
+    [['FSXFolder', 'Prepar3D']] :
+    [['FS2002Folder', 'Flight Simulator 2002'], ['FS2004Folder', 'Flight Simulator 2004'],
+     ['FSXFolder', 'Flight Simulator X']];
+  rows.push(['FlightPlanFolder', 'Flight plans']);
+  for (const [key, label] of rows) {
+    folders.append(el('label', {for: key}, label), el('input', {type: 'text', id: key,
+      onchange: e => setting(key, e.target.value)}));
+  }
+  const end = document.getElementById('endFlight');
+  p.endFlightLabels.forEach((label, i) => end.append(el('label', {title: p.endFlightTips[i]},
+    el('input', {type: 'radio', name: 'EndFlightWhen', id: 'EndFlightWhen' + i,
+      onchange: () => setting('EndFlight', i)}), label)));
+  const voice = document.getElementById('VoiceMode');
+  p.voiceModes.forEach((m, i) => voice.append(el('option', {value: String(i)}, m)));
+  voice.onchange = e => setting('VoiceMode', Number(e.target.value));
+  document.getElementById('TransitionAltitude').onchange = e => setting('TransitionAltitude', e.target.value);
+  for (const k of ['LoadFSXPlanOnConnect', 'GPSOverridesFlightPlan'])
+    document.getElementById(k).onchange = e => setting(k, e.target.checked);
+  for (let i = 0; i < 4; i++) {
+    document.getElementById('tip' + i).onchange = () =>
+      setting('SpokenTips', [0, 1, 2, 3].map(j => document.getElementById('tip' + j).checked));
+  }
+  document.getElementById('optDefaultSound').onchange = () => save({soundCard: -1});
+  document.getElementById('optSpecifySoundCard').onchange = () => {
+    document.getElementById('lstSoundCard').disabled = false;
+    if (page.soundDevices.length > 0) save({soundCard: Number(document.getElementById('lstSoundCard').value)});
+  };
+  document.getElementById('lstSoundCard').onchange = e => save({soundCard: Number(e.target.value)});
+}
+
+function render(p) {
+  page = p;
+  const s = p.settings;
+  for (const k of ['FS2002Folder', 'FS2004Folder', 'FSXFolder', 'FlightPlanFolder']) {
+    const e = document.getElementById(k);
+    if (e) e.value = s[k];
+  }
+  document.getElementById('EndFlightWhen' + s.EndFlight).checked = true;
+  document.getElementById('TransitionAltitude').value = s.TransitionAltitude;
+  document.getElementById('LoadFSXPlanOnConnect').checked = s.LoadFSXPlanOnConnect;
+  document.getElementById('GPSOverridesFlightPlan').checked = s.GPSOverridesFlightPlan;
+  s.SpokenTips.forEach((on, i) => { document.getElementById('tip' + i).checked = on; });
+  document.getElementById('VoiceMode').value = String(s.VoiceMode);
+  const list = document.getElementById('lstSoundCard');
+  list.replaceChildren(...p.soundDevices.map((d, i) => el('option', {value: String(i)}, d)));
+  if (p.soundDevices.length === 0) list.append(el('option', {value: ''}, 'No sound devices found'));
+  const specific = p.soundCard >= 0;
+  document.getElementById(specific ? 'optSpecifySoundCard' : 'optDefaultSound').checked = true;
+  list.disabled = !specific;
+  if (specific) list.value = String(p.soundCard);
+}
+
+async function start() {
+  try {
+    const p = await api('/api/settings');
+    build(p);
+    render(p);
+  } catch (x) {
+    showMessage('msg', x.message, false);
+  }
+}
+
+document.addEventListener('DOMContentLoaded', start);
