@@ -1,4 +1,4 @@
-// vantoro-cli replay RECORDING [--root DIR] [--pilot FILE] [--out DIR]
+// vantoro-cli replay RECORDING [--root DIR] [--pilot FILE] [--plan FILE] [--out DIR]
 //                              [--events FILE|-] [--seed N] [--instant]
 // Replays a recording through the whole instructor and tells what it did: a
 // transcript, or JSON lines with --events. Everything is checked before
@@ -18,6 +18,7 @@
 #include "cli/replay.h"
 #include "link/recording.h"
 #include "shell/pilot.h"
+#include "world/flight_plan.h"
 
 namespace fs = std::filesystem;
 
@@ -31,6 +32,7 @@ struct ReplayArgs {
   std::string recording;
   std::string root;
   std::string pilot;
+  std::string plan;
   std::string out;
   std::string events;
   uint64_t seed = 1;
@@ -52,6 +54,8 @@ bool ParseArgs(const CommandArgs& args, ReplayArgs& r, std::string& error) {
       if (!value(r.root)) return false;
     } else if (a == "--pilot") {
       if (!value(r.pilot)) return false;
+    } else if (a == "--plan") {
+      if (!value(r.plan)) return false;
     } else if (a == "--out") {
       if (!value(r.out)) return false;
     } else if (a == "--events") {
@@ -128,6 +132,18 @@ int ReplayCommand(const CommandArgs& args, CliContext& cli) {
     cli.err << "vantoro-cli replay: no such pilot file " << pilot << '\n';
     return kExitBadInput;
   }
+  // The plan is read as the flight plan page reads it; a plan that cannot be
+  // read whole stops the replay before anything runs.
+  FlightPlan plan;
+  if (!a.plan.empty()) {
+    Notices notices;
+    if (!ProcessFlightPlan(a.plan, plan, &notices)) {
+      cli.err << "vantoro-cli replay: no such flight plan " << a.plan << '\n';
+      return kExitBadInput;
+    }
+    for (const Notice& n : notices) cli.err << NoticeText(n) << '\n';
+    if (!notices.empty()) return kExitBadInput;
+  }
   if (!a.events.empty() && a.events != "-") {
     const fs::path folder = fs::path(a.events).parent_path();
     if (!folder.empty() && !fs::is_directory(folder, ec)) {
@@ -189,6 +205,8 @@ int ReplayCommand(const CommandArgs& args, CliContext& cli) {
         return kExitBadInput;
       }
     }
+    // Loaded before the first tick, as if chosen on the flight plan page.
+    replay->instructor().plan = plan;
     if (a.events.empty()) {
       transcript = std::make_unique<Transcript>(cli.out, replay->VirtualMs());
       fan.Add(transcript.get());

@@ -128,13 +128,13 @@ void FlightPlanHelp(Cockpit& c) {
   }
   // The NAV display was just given to a GPS that has no plan to fly.
   if (!before.GpsDrivesNav && (now.GpsFlags1 & kGpsActivePlan) == 0 && now.OnGround == 0) {
-    PlayPerhaps(v, "GPSNoFlightPlanActive.wav", kGpsNoPlanSlot, kTeachingGap, kTeachingExpiry);
+    PlayPerhaps(v, "GPSNoFlightPlan.wav", kGpsNoPlanSlot, kTeachingGap, kTeachingExpiry);
   }
   // A new point for the GPS to fly to.
   if (!gps.GpsNextWaypoint.empty() && gps.GpsNextWaypoint != r.GpsNextWaypoint &&
       (now.GpsFlags1 & kGpsActivePlan) != 0 && Speaks(now)) {
     const bool direct = (now.GpsFlags1 & kGpsDirectTo) != 0;
-    PlayAlways(v, direct ? "GPSFlyingDirectTo.wav" : "GPSNextWaypointIs.wav");
+    PlayAlways(v, direct ? "GPSFlyingDirectTo.wav" : "GPSNextWaypoint.wav");
     PlayStringPhoneticallyAlways(v, gps.GpsNextWaypoint);
   }
   r.GpsNextWaypoint = gps.GpsNextWaypoint;
@@ -322,6 +322,9 @@ void VORTeaching(Cockpit& c) {
     if (now.Nav1ToFrom == kFlagTo) {
       PlayPerhaps(v, "VORflagisTO.wav", kVorFlagToSlot, kTeachingGap, kTeachingExpiry);
     } else if (now.Nav1ToFrom == kFlagFrom && before.Nav1ToFrom == kFlagTo) {
+      PlayPerhaps(v, "WehavepassedtheVORstation.wav", kVorFlagFromSlot, kTeachingGap,
+                  kTeachingExpiry);
+    } else if (now.Nav1ToFrom == kFlagFrom) {
       PlayPerhaps(v, "VORflagisFROM.wav", kVorFlagFromSlot, kTeachingGap, kTeachingExpiry);
     } else if (now.Nav1ToFrom == kFlagOff) {
       PlayPerhaps(v, "VORflagisOFF.wav", kVorFlagOffSlot, kTeachingGap, kTeachingExpiry);
