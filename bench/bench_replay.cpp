@@ -71,7 +71,7 @@ void BM_ReplayOneHour(benchmark::State& state) {
       return;
     }
     NoEvents events;
-    Replay replay(ReplaySetup{root, 1, true}, events);
+    Replay replay(ReplaySetup{root, 1, true, {}, {}}, events);
     ticks = replay.Run(recording);
     benchmark::DoNotOptimize(ticks);
   }

@@ -2,6 +2,7 @@
 // Makes a recording from a flight script (see flightgen.cpp). A script error
 // is told as "FILE:LINE: what is wrong", status 2, and nothing is written.
 #include "base/files.h"
+#include "base/gzip.h"
 #include "cli/commands.h"
 #include "cli/flightgen.h"
 #include "link/recording.h"
@@ -25,7 +26,7 @@ int GenerateCommand(const CommandArgs& args, CliContext& cli) {
     return kExitBadInput;
   }
   const bool compressed = out.size() > 3 && out.compare(out.size() - 3, 3, ".gz") == 0;
-  if (!WriteFileAtomic(out, compressed ? Gzip(recording) : recording)) {
+  if (!WriteFileAtomic(out, compressed ? GzipText(recording) : recording)) {
     cli.err << out << ": cannot be written\n";
     return kExitBadInput;
   }

@@ -24,7 +24,7 @@ constexpr Command kCommands[] = {
      "[--instant]",
      vantoro::ReplayCommand},
     {"generate", "SCRIPT OUT.vrec[.gz]", vantoro::GenerateCommand},
-    {"record", "OUT.vrec[.gz] [--ticks N]", vantoro::RecordCommand},
+    {"record", "OUT.vrec[.gz] [--ticks N] [--root DIR]", vantoro::RecordCommand},
     {"voices", "build [--root DIR] [--jobs N]", nullptr, vantoro::VoicesCommand},
     {"runways", "nearest|airport|import ...", nullptr, vantoro::RunwaysCommand},
     {"profile", "FILE [--title T] [--monitor]", nullptr, vantoro::ProfileCommand},

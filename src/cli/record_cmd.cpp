@@ -1,4 +1,4 @@
-// vantoro-cli record OUT.vrec[.gz] [--ticks N]
+// vantoro-cli record OUT.vrec[.gz] [--ticks N] [--root DIR]
 // Records the simulator's offsets twice a second through the platform's live
 // link. Where no simulator can be linked to, the link's own text says so.
 #include "cli/record_cmd.h"
@@ -11,10 +11,12 @@
 #include <thread>
 
 #include "base/files.h"
+#include "base/gzip.h"
 #include "base/text.h"
 #include "cli/commands.h"
 #include "link/platform_link.h"
 #include "link/recording.h"
+#include "shell/startup.h"
 
 namespace vantoro {
 
@@ -79,7 +81,7 @@ int RecordLive(SimLink& link, const Clock& clock, const std::string& out,
 
   std::error_code ec;
   if (ok && EndsWith(Upper(out), ".GZ")) {
-    ok = WriteFileAtomic(out, Gzip(writer.Text()));
+    ok = WriteFileAtomic(out, GzipText(writer.Text()));
     if (ok) std::filesystem::remove(part, ec);
   } else if (ok) {
     std::filesystem::rename(part, out, ec);
@@ -96,10 +98,17 @@ int RecordLive(SimLink& link, const Clock& clock, const std::string& out,
 
 int RecordCommand(const CommandArgs& args, CliContext& cli) {
   std::string out;
+  std::string root;
   int64_t ticks = 0;
   for (size_t i = 0; i < args.size(); ++i) {
     const std::string& a = args[i];
-    if (a == "--ticks") {
+    if (a == "--root") {
+      if (i + 1 >= args.size()) {
+        cli.err << "vantoro-cli record: option --root needs a value\n";
+        return kExitBadInput;
+      }
+      root = args[++i];
+    } else if (a == "--ticks") {
       const std::string text = i + 1 < args.size() ? args[++i] : std::string();
       auto [p, ec] = std::from_chars(text.data(), text.data() + text.size(), ticks);
       if (text.empty() || ec != std::errc() || p != text.data() + text.size() || ticks < 1) {
@@ -119,6 +128,18 @@ int RecordCommand(const CommandArgs& args, CliContext& cli) {
   if (out.empty()) {
     cli.err << "vantoro-cli record: usage: vantoro-cli record OUT.vrec[.gz] [--ticks N]\n";
     return kExitBadInput;
+  }
+
+  // The program starts as it always does, so that the pilot hears of a
+  // damaged settings file before he flies, not after.
+  if (root.empty()) root = DefaultRoot(cli);
+  if (!root.empty()) {
+    Instructor instructor(root, Seams{});
+    const std::unique_ptr<Registry> registry = MakePlatformRegistry();
+    Startup start(instructor, *registry);
+    start.Run();
+    for (const Notice& n : start.notices())
+      cli.err << "vantoro-cli record: " << NoticeText(n) << '\n';
   }
 
   std::unique_ptr<SimLink> link = MakePlatformLink();

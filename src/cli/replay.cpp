@@ -1,5 +1,8 @@
 #include "cli/replay.h"
 
+#include "base/registry.h"
+#include "shell/startup.h"
+
 namespace vantoro {
 
 Replay::Replay(const ReplaySetup& setup, Events& events)
@@ -14,27 +17,30 @@ Replay::Replay(const ReplaySetup& setup, Events& events)
   seams.clock = &clock_;
   seams.random = &random_;
   instructor_ = std::make_unique<Instructor>(setup.root, seams);
+
+  // A replay has no registry: the folders are those of the settings.
+  const NoRegistry registry;
+  Startup start(*instructor_, registry);
+  start.OpenSettings();
+  start.OpenCaptions();
+  start.OpenSoundPacks();
+  if (!setup.pilot.empty()) pilotFailed_ = !start.OpenPilot(setup.pilot);
+  start.OpenAircraftData();
+  if (!setup.logFolder.empty()) start.OpenLogFolder(setup.logFolder);
+  notices_ = start.notices();
+  for (const Notice& n : notices_)
+    events_.Emit(0, "notice", {{"text", NoticeText(n)}, {"file", n.file}});
 }
 
 void Replay::Step(const RecordingStep& step) {
-  switch (step.kind) {
-    case RecordingStep::Kind::Write:
-      ApplyWrite(image_, step);
-      break;
-    case RecordingStep::Kind::Clock:
-      clock_.Set(step.clock);
-      break;
-    case RecordingStep::Kind::Key:
-      // The pressed key acts in the next tick, as a spoken command would.
-      instructor_->flight.VoiceAction = step.key;
-      break;
-    case RecordingStep::Kind::Say:
-      phrases_.push_back(step.phrase);
-      break;
-    case RecordingStep::Kind::Tick:
-      for (int32_t i = 0; i < step.ticks; ++i) OneTick();
-      break;
+  if (step.kind == RecordingStep::Kind::Tick) {
+    for (int32_t i = 0; i < step.ticks; ++i) OneTick();
+    return;
   }
+  const StepEffect effect = ApplyStep(step, image_, clock_);
+  // The pressed key acts in the next tick, as a spoken command would.
+  if (effect.key != 0) instructor_->flight.VoiceAction = effect.key;
+  if (effect.phrase != nullptr) phrases_.push_back(*effect.phrase);
 }
 
 void Replay::OneTick() {

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "base/events.h"
+#include "base/notices.h"
 #include "base/seams.h"
 #include "link/image_link.h"
 #include "link/recording.h"
@@ -28,10 +29,17 @@ struct ReplaySetup {
   std::string root;  // the program's root folder
   uint64_t seed = 1;
   bool instant = false;  // every sound plays for 0 s
+  // The pilot to fly with; empty flies without one (nothing is logged).
+  std::string pilot;
+  // The folder of the score marker files; empty leaves none.
+  std::string logFolder;
 };
 
 class Replay {
  public:
+  // Opens everything as the live program does at its start (settings of the
+  // root, captions, voices, the pilot, aircraft data, log folder); what was
+  // passed over is told as "notice" events and kept in StartupNotices.
   Replay(const ReplaySetup& setup, Events& events);
   Replay(const Replay&) = delete;
   Replay& operator=(const Replay&) = delete;
@@ -44,13 +52,19 @@ class Replay {
   const int64_t& VirtualMs() const { return virtualMs_; }
   int64_t Ticks() const { return ticks_; }
   Instructor& instructor() { return *instructor_; }
+  const Notices& StartupNotices() const { return notices_; }
+  // The pilot file named could not be read.
+  bool PilotFailed() const { return pilotFailed_; }
   OffsetImage& image() { return image_; }
   // The phrases the pilot spoke, in order. Voice commands are not part of the
   // instructor yet, so they are kept here, each before the tick it precedes.
   const std::vector<std::string>& Phrases() const { return phrases_; }
+  // One directive of the recording; hosts that pace the flight themselves
+  // (the live app's stand-in, the plots of a recorded flight) feed ticks
+  // one at a time.
+  void Step(const RecordingStep& step);
 
  private:
-  void Step(const RecordingStep& step);
   void OneTick();
 
   Events& events_;
@@ -64,6 +78,8 @@ class Replay {
   int64_t ticks_ = 0;
   int64_t virtualMs_ = 0;
   std::vector<std::string> phrases_;
+  Notices notices_;
+  bool pilotFailed_ = false;
 };
 
 }  // namespace vantoro

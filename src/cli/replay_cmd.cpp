@@ -17,7 +17,7 @@
 #include "cli/event_writers.h"
 #include "cli/replay.h"
 #include "link/recording.h"
-#include "shell/pilot.h"
+#include "shell/startup.h"
 #include "world/flight_plan.h"
 
 namespace fs = std::filesystem;
@@ -25,8 +25,6 @@ namespace fs = std::filesystem;
 namespace vantoro {
 
 namespace {
-
-constexpr const char* kDefaultPilot = "PilotRoster/LightSpeed.plt";
 
 struct ReplayArgs {
   std::string recording;
@@ -119,13 +117,16 @@ int ReplayCommand(const CommandArgs& args, CliContext& cli) {
             << '\n';
     return kExitBadInput;
   }
+  // The pilot named, else the last pilot of the root's settings (the sample
+  // pilot when the root has no settings file yet).
   std::string pilot = a.pilot;
   if (pilot.empty()) {
-    const std::string standard = TidyFolder(a.root) + kDefaultPilot;
-    if (FileExists(standard)) {
-      pilot = *FindNoCase(standard);
-    } else {
-      cli.err << "vantoro-cli replay: no pilot file " << NativePath(standard)
+    const NoRegistry registry;
+    const std::string last = LastPilotFile(a.root, registry);
+    if (FileExists(last)) {
+      pilot = *FindNoCase(last);
+    } else if (!last.empty()) {
+      cli.err << "vantoro-cli replay: no pilot file " << NativePath(last)
               << "; flying without one\n";
     }
   } else if (!FileExists(pilot)) {
@@ -190,21 +191,13 @@ int ReplayCommand(const CommandArgs& args, CliContext& cli) {
     status = kExitFailure;
   };
   try {
-    replay = std::make_unique<Replay>(ReplaySetup{a.root, a.seed, a.instant}, fan);
     // The flight log and the log book are written beside the pilot's copy, and
     // the score marker files in the same folder, not in the program's.
-    replay->instructor().scores.PilotFile = pilotCopy;
-    replay->instructor().scores.MarkerFolder = TidyFolder(a.out);
-    // The pilot flies with his own choices; the reports name him and show
-    // his picture.
-    if (!pilotCopy.empty()) {
-      Instructor& in = replay->instructor();
-      if (std::string problem = LoadPilotData(pilotCopy, in.pilot, in.sound, in.options);
-          !problem.empty()) {
-        cli.err << "vantoro-cli replay: " << problem << '\n';
-        return kExitBadInput;
-      }
-    }
+    replay = std::make_unique<Replay>(
+        ReplaySetup{a.root, a.seed, a.instant, pilotCopy, TidyFolder(a.out)}, fan);
+    for (const Notice& n : replay->StartupNotices())
+      cli.err << "vantoro-cli replay: " << NoticeText(n) << '\n';
+    if (replay->PilotFailed()) return kExitBadInput;
     // Loaded before the first tick, as if chosen on the flight plan page.
     replay->instructor().plan = plan;
     if (a.events.empty()) {

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "base/files.h"
+#include "base/gzip.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "cli/commands.h"

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "base/numbers.h"
+#include "engine/runway_choice.h"
 #include "engine/tick_rules.h"
 #include "link/snapshot.h"
 #include "voice/phrases.h"
@@ -102,40 +103,13 @@ void SetDestinationRunway(ApproachState& a, ApproachRatings& ratings, const Runw
   ratings.VisualRunwayLength = runway.Length;
 }
 
-// At an airfield close by, the pilot is flying its circuit: he lands on the
-// runway that faces most into the surface wind.
-const Runway* RunwayIntoWindNearby(const WorldState& world, const FSData& now) {
-  const Runway* nearest =
-      FindClosestRunway(world, now.Latitude, now.Longitude, kNoLimit, kCircuitAirfieldMiles, false);
-  if (nearest == nullptr) return nullptr;
-  const Runway* best = nearest;
-  int32_t bestAngle = 181;
-  for (const Runway* r : world.CloseRunways) {
-    if (r->ICAO != nearest->ICAO) continue;
-    const int32_t angle = std::abs(RelativeBearing(r->Heading, now.SurfaceWindDirection));
-    if (angle < bestAngle) {
-      best = r;
-      bestAngle = angle;
-    }
-  }
-  return best;
-}
-
-bool PickDestinationRunway(Cockpit& c, bool anyDirection) {
+bool PickDestinationRunway(Cockpit& c) {
   if (!c.world.RunwaysLoaded()) return false;
   const FSData& now = c.link.Now();
   FillCloseRunways(c.world, now.Latitude, now.Longitude);
-  const Runway* found = anyDirection ? RunwayIntoWindNearby(c.world, now) : nullptr;
-  if (found == nullptr)
-    found = FindClosestRunway(c.world, now.Latitude, now.Longitude, now.TrueHeading,
-                              kLandingRunwaySearchMiles, true);
-  if (found == nullptr && anyDirection) {
-    found = FindClosestRunway(c.world, now.Latitude, now.Longitude, kNoLimit,
-                              kLandingRunwaySearchMiles, false);
-  }
-  if (found == nullptr) return false;
-  SetDestinationRunway(c.flight.approach, c.approach, *found, now.MagVar);
-  return true;
+  const LandingRunwayPick pick = ChooseLandingRunway(c.world, LandingRunwayQuestionOf(c));
+  TakeLandingRunway(c, pick);
+  return pick.Found != nullptr;
 }
 
 void GlideslopeCapture(Cockpit& c) {
@@ -183,7 +157,7 @@ void LandingModeArrival(Cockpit& c) {
   a.PreviousLanding = landing;
   if (!landing) return;
 
-  if (!a.Destination.Set) PickDestinationRunway(c, true);
+  if (!a.Destination.Set) PickDestinationRunway(c);
 
   Voice v = c.voice();
   if (!a.DestinationICAO.empty() && !a.DestinationILSFrequency.empty() && !c.options.AutoTuneILS) {

@@ -33,12 +33,9 @@ int32_t BearingAirportWithoutILSCheck(const ApproachState& a, const FSData& now)
 // and the runway of a visual approach for the landing evaluation.
 void SetDestinationRunway(ApproachState& a, ApproachRatings& ratings, const Runway& runway,
                           int32_t magVar);
-// The landing runway from the world data. With `anyDirection` (the approach
-// begins) an airfield within 3 miles gives its runway most into the wind;
-// otherwise the nearest runway ahead along the aircraft's heading, else (with
-// `anyDirection`) the nearest one within 15 miles.
-// True when one was found.
-bool PickDestinationRunway(Cockpit& c, bool anyDirection);
+// The landing runway from the world data when the approach begins
+// (ChooseLandingRunway). True when one was found.
+bool PickDestinationRunway(Cockpit& c);
 // How far ahead a landing runway is looked for, nautical miles.
 inline constexpr double kLandingRunwaySearchMiles = 15;
 // An airfield this close when the approach begins is the one whose circuit

@@ -115,13 +115,17 @@ void CallOffLast50(Cockpit& c) {
   if (Crossed({5, 15, "n10.wav", 72}, now, before)) PlayPerhaps(v, "n10.wav", 72, 30, 4);
 }
 
+// Unlike the other faults, a balloon counts on every tick the aircraft rises
+// in the flare, so one bad flare can count several times; the phrase keeps
+// its gap.
 void Ballooning(Cockpit& c) {
   const FSData& now = c.link.Now();
   const FSData& before = c.link.Before();
-  if (before.AGL >= kBalloonFrom && c.flight.Modes.Landing && now.AGL < kBalloonBelow &&
-      now.AGL > before.AGL + kBalloonRise && GiveAdvice(c, "Ballooning.wav", 107, 30, 1, 2)) {
-    Count(c.flight.Flight(), &FlightStats::Ballooning, c.events, c.flight.TickCount);
-  }
+  if (!(before.AGL >= kBalloonFrom && c.flight.Modes.Landing && now.AGL < kBalloonBelow &&
+        now.AGL > before.AGL + kBalloonRise))
+    return;
+  GiveAdvice(c, "Ballooning.wav", 107, 30, 1, 2);
+  Count(c.flight.Flight(), &FlightStats::Ballooning, c.events, c.flight.TickCount);
 }
 
 void CallOffDescentTooFast(Cockpit& c) {

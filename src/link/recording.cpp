@@ -1,7 +1,5 @@
 #include "link/recording.h"
 
-#include <zlib.h>
-
 #include <charconv>
 #include <cmath>
 #include <cstdio>
@@ -12,14 +10,17 @@
 #include <limits>
 #include <optional>
 
+#include "base/files.h"
+#include "base/gzip.h"
 #include "link/snapshot.h"
 
 namespace vantoro {
 
 namespace {
 
-// A recording that inflates beyond this is refused rather than read.
-constexpr size_t kMaxRecordingBytes = size_t{1} << 30;
+// A recording larger than this, as stored or inflated, is refused rather than
+// read: a day of flying at two ticks a second is some tens of megabytes.
+constexpr size_t kMaxRecordingBytes = size_t{256} << 20;
 // Changed bytes closer than this are written on one "set" line.
 constexpr uint32_t kMergeGap = 4;
 constexpr uint32_t kMaxSetBytes = 64;
@@ -355,60 +356,6 @@ bool ParseRecording(std::string_view name, std::string_view text, Recording& out
   return false;
 }
 
-bool Gunzip(std::string_view data, std::string& out) {
-  out.clear();
-  if (data.size() < 2 || static_cast<uint8_t>(data[0]) != 0x1F ||
-      static_cast<uint8_t>(data[1]) != 0x8B) {
-    out.assign(data);
-    return true;
-  }
-  z_stream z{};
-  if (inflateInit2(&z, 16 + MAX_WBITS) != Z_OK) return false;
-  z.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(data.data()));
-  z.avail_in = static_cast<uInt>(data.size());
-  char buffer[1 << 16];
-  int rc = Z_OK;
-  while (rc != Z_STREAM_END) {
-    z.next_out = reinterpret_cast<Bytef*>(buffer);
-    z.avail_out = sizeof buffer;
-    rc = inflate(&z, Z_NO_FLUSH);
-    if (rc != Z_OK && rc != Z_STREAM_END) break;
-    out.append(buffer, sizeof buffer - z.avail_out);
-    if (out.size() > kMaxRecordingBytes) break;
-    // Several gzip members one after the other read as one text.
-    if (rc == Z_STREAM_END && z.avail_in > 0) {
-      if (inflateReset(&z) != Z_OK) break;
-      rc = Z_OK;
-    }
-  }
-  inflateEnd(&z);
-  if (rc != Z_STREAM_END || out.size() > kMaxRecordingBytes) {
-    out.clear();
-    return false;
-  }
-  return true;
-}
-
-std::string Gzip(std::string_view data) {
-  z_stream z{};
-  std::string out;
-  if (deflateInit2(&z, Z_BEST_COMPRESSION, Z_DEFLATED, 16 + MAX_WBITS, 8, Z_DEFAULT_STRATEGY) !=
-      Z_OK)
-    return out;
-  z.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(data.data()));
-  z.avail_in = static_cast<uInt>(data.size());
-  char buffer[1 << 16];
-  int rc = Z_OK;
-  do {
-    z.next_out = reinterpret_cast<Bytef*>(buffer);
-    z.avail_out = sizeof buffer;
-    rc = deflate(&z, Z_FINISH);
-    out.append(buffer, sizeof buffer - z.avail_out);
-  } while (rc == Z_OK);
-  deflateEnd(&z);
-  return out;
-}
-
 bool LoadRecording(const std::string& path, Recording& out, std::string& error) {
   out = Recording{};
   std::error_code ec;
@@ -416,15 +363,20 @@ bool LoadRecording(const std::string& path, Recording& out, std::string& error) 
     error = path + ": no such recording";
     return false;
   }
-  std::ifstream in(path, std::ios::binary);
-  std::string raw((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-  if (!in.good() && !in.eof()) {
+  InflateLimits limits;
+  limits.MaxBytes = kMaxRecordingBytes;
+  if (std::filesystem::file_size(path, ec) > limits.MaxBytes) {
+    error = path + ": too large for a recording";
+    return false;
+  }
+  const std::optional<std::string> raw = TryReadFile(path);
+  if (!raw) {
     error = path + ": cannot be read";
     return false;
   }
   std::string text;
-  if (!Gunzip(raw, text)) {
-    error = path + ": damaged or too large compressed recording";
+  if (InflateResult r = InflateLimited(*raw, text, limits); r != InflateResult::Ok) {
+    error = path + ": " + std::string(InflateProblem(r));
     return false;
   }
   return ParseRecording(path, text, out, error);
@@ -432,6 +384,27 @@ bool LoadRecording(const std::string& path, Recording& out, std::string& error) 
 
 void ApplyWrite(OffsetImage& image, const RecordingStep& step) {
   image.SetBytes(step.offset, step.bytes.data(), static_cast<uint32_t>(step.bytes.size()));
+}
+
+StepEffect ApplyStep(const RecordingStep& step, OffsetImage& image, FixedClock& clock) {
+  StepEffect effect;
+  switch (step.kind) {
+    case RecordingStep::Kind::Write:
+      ApplyWrite(image, step);
+      break;
+    case RecordingStep::Kind::Clock:
+      clock.Set(step.clock);
+      break;
+    case RecordingStep::Kind::Key:
+      effect.key = step.key;
+      break;
+    case RecordingStep::Kind::Say:
+      effect.phrase = &step.phrase;
+      break;
+    case RecordingStep::Kind::Tick:
+      break;
+  }
+  return effect;
 }
 
 bool ParseIsoTime(std::string_view s, WallTime& out) {

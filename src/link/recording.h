@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "base/seams.h"
@@ -52,14 +53,17 @@ bool ParseRecording(std::string_view name, std::string_view text, Recording& out
 // file cannot be read at all.
 bool LoadRecording(const std::string& path, Recording& out, std::string& error);
 
-// Decompresses gzip data; plain data comes back unchanged. False when the
-// data starts like gzip but is damaged.
-bool Gunzip(std::string_view data, std::string& out);
-// Compresses text as a .gz file holds it.
-std::string Gzip(std::string_view data);
-
 // Puts a Write step's bytes into the image (the reader has checked the range).
 void ApplyWrite(OffsetImage& image, const RecordingStep& step);
+
+// What a line other than "tick" does when a recording is flown: bytes go
+// into the image and the wall clock is set; a hot key or a spoken phrase is
+// for the instructor and handed back to the caller.
+struct StepEffect {
+  int key = 0;                          // a hot key slot, 0 for none
+  const std::string* phrase = nullptr;  // what the recogniser hears, or none
+};
+StepEffect ApplyStep(const RecordingStep& step, OffsetImage& image, FixedClock& clock);
 
 // "2026-11-21T14:05:00" (seconds may carry a fraction); false when malformed
 // or not a real date and time.
@@ -75,6 +79,9 @@ class RecordingWriter {
 
   // The text written so far.
   const std::string& Text() const { return text_; }
+  // Hands over the text written since the last call, for a writer that
+  // streams to a file as the flight goes.
+  std::string TakeText() { return std::exchange(text_, {}); }
 
   // Reads the four blocks through the link and writes one tick. On a failed
   // read nothing is written for the tick and false is returned with the

@@ -8,9 +8,6 @@ Instructor::Instructor(std::string rootFolder, Seams seams)
     : root(TidyFolder(rootFolder)), seams_(seams) {
   if (seams_.events == nullptr) seams_.events = &noEvents_;
   sound.SoundRoot = root;
-  LoadCaptions(sound, root + "text\\english.txt");
-  LoadInstructors(sound);
-  if (!sound.Instructors.empty()) sound.Instructor = sound.Instructors.front();
   InitSound(sound);
 }
 

@@ -154,6 +154,19 @@ RunwayWithinFeet FindClosestRunwayWithinFeet(const WorldState& world, double lat
   return out;
 }
 
+bool LandableRunway(const Runway& r, bool floatPlane) {
+  // A helipad's "H1" reads "0H1" once padded; a closed one carries an "X".
+  if (r.Number.empty() || r.Number[0] < '0' || r.Number[0] > '9') return false;
+  if (r.Number.find_first_of("HhXx") != std::string::npos) return false;
+  if (StartsWith(r.AirportName, "[X]")) return false;
+  return floatPlane || r.Surface != "WATER";
+}
+
+const Runway* FindClosestRunwayWhere(const WorldState& world, double latitude, double longitude,
+                                     double maxMiles, const RunwayFilter& passes) {
+  return Nearest(world, latitude, longitude, maxMiles, passes);
+}
+
 bool IsAngleWithinHeadingRange(double angle, double heading, double /*range*/) {
   const double low = heading - kHeadingTolerance;
   const double high = heading + kHeadingTolerance;

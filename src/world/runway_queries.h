@@ -56,6 +56,18 @@ struct RunwayWithinFeet {
 RunwayWithinFeet FindClosestRunwayWithinFeet(const WorldState& world, double latitude,
                                              double longitude);
 
+// A runway an aircraft can be sent to land on: a water runway only for a
+// float plane; never a helipad or a runway the data marks closed (its
+// designator does not begin with a digit or holds an "H" or "X", or its
+// airfield's name begins "[X]").
+bool LandableRunway(const Runway& r, bool floatPlane);
+
+// The nearest runway of the working set that `passes`, within maxMiles (or
+// kNoLimit); on equal distances the earlier stays.
+using RunwayFilter = std::function<bool(const Runway&)>;
+const Runway* FindClosestRunwayWhere(const WorldState& world, double latitude, double longitude,
+                                     double maxMiles, const RunwayFilter& passes);
+
 // True when angle lies within 10 degrees either side of heading, across
 // north. The range argument is not used: every caller passes 10, and the
 // fixed 10 stands by design.

@@ -1,19 +1,17 @@
 #include "world/runways.h"
 
-#include <zlib.h>
-
 #include <array>
 #include <cctype>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
-#include <fstream>
 #if defined(__GLIBC__)
 #include <malloc.h>
 #endif
 
 #include "base/failure.h"
 #include "base/files.h"
+#include "base/gzip.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "world/geo.h"
@@ -24,7 +22,6 @@ namespace {
 
 // Failure number of a compressed file that ends early or is damaged.
 constexpr long kErrDamagedFile = 62;
-constexpr size_t kReadChunk = 64 * 1024;
 
 // The four files of the generating batch, tested in this order.
 constexpr std::array<std::string_view, 4> kGeneratorFiles = {"MakeRwys.exe", "VNTRRwys.exe",
@@ -200,22 +197,6 @@ Runway RunwayFromFields(const std::vector<std::string_view>& f) {
   return r;
 }
 
-// Bytes the text of a file will take: a compressed file tells it in its last
-// four bytes (modulo 4 GiB, so a value out of proportion is not trusted).
-size_t ExpectedTextSize(const std::string& nativePath) {
-  std::ifstream in(nativePath, std::ios::binary | std::ios::ate);
-  if (!in) return 0;
-  const auto size = static_cast<size_t>(in.tellg());
-  unsigned char magic[2] = {0, 0}, tail[4] = {0, 0, 0, 0};
-  in.seekg(0);
-  in.read(reinterpret_cast<char*>(magic), 2);
-  if (size < 18 || magic[0] != 0x1f || magic[1] != 0x8b) return size;
-  in.seekg(static_cast<std::streamoff>(size - 4));
-  in.read(reinterpret_cast<char*>(tail), 4);
-  const size_t inflated = tail[0] | (tail[1] << 8) | (tail[2] << 16) | (size_t{tail[3]} << 24);
-  return inflated <= size * 64 ? inflated : size;
-}
-
 // The existing file of a path, plain or as its ".gz".
 std::string ExistingPlainOrGz(const std::string& path) {
   if (FileExists(path)) return path;
@@ -310,37 +291,19 @@ double ParseFileCoOrd(std::string_view text, std::string_view kind) {
 
 WorldText ReadWorldFile(std::string_view path) {
   WorldText out;
-  auto found = FindNoCase(path);
-  if (!found) return out;
-  // Room for the whole text at once, so that it is never copied while it grows.
-  out.Text.reserve(ExpectedTextSize(*found));
-  // gzopen reads a plain file as it stands and a compressed one inflated.
-  gzFile gz = gzopen(found->c_str(), "rb");
-  if (gz == nullptr) {
+  if (!FindNoCase(path)) return out;
+  const std::optional<std::string> bytes = TryReadFile(path);
+  if (!bytes) {
     out.Error = std::string(path) + ": cannot be opened";
     return out;
   }
-  gzbuffer(gz, 256 * 1024);
-  std::string chunk(kReadChunk, '\0');
-  for (;;) {
-    int n = gzread(gz, chunk.data(), static_cast<unsigned>(chunk.size()));
-    if (n > 0) out.Text.append(chunk.data(), static_cast<size_t>(n));
-    if (n < static_cast<int>(chunk.size())) {
-      int code = Z_OK;
-      const char* message = gzerror(gz, &code);
-      if (n < 0 || (code != Z_OK && code != Z_STREAM_END))
-        out.Error = std::string(path) + ": damaged compressed data (" + message + ")";
-      break;
-    }
-  }
-  const int closed = gzclose_r(gz);
-  if (out.Error.empty() && closed != Z_OK)
-    out.Error = std::string(path) + ": compressed data ends early";
-  if (!out.Error.empty()) {
-    // A torn last line could carry a cut number; only whole lines are kept.
-    size_t nl = out.Text.rfind('\n');
-    out.Text.resize(nl == std::string::npos ? 0 : nl + 1);
-  }
+  // A plain file is taken as it stands, a compressed one inflated.
+  const InflateResult r = InflateLimited(*bytes, out.Text);
+  if (r == InflateResult::Ok) return out;
+  out.Error = std::string(path) + ": " + std::string(InflateProblem(r));
+  // A torn last line could carry a cut number; only whole lines are kept.
+  const size_t nl = out.Text.rfind('\n');
+  out.Text.resize(nl == std::string::npos ? 0 : nl + 1);
   return out;
 }
 

@@ -9,6 +9,7 @@
 #include <optional>
 
 #include "base/files.h"
+#include "base/gzip.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "world/geo.h"
@@ -89,6 +90,12 @@ struct Station {
   std::string Frequency;
 };
 
+// No line of a real data file comes near this.
+constexpr size_t kMaxLineBytes = 64 * 1024;
+// Data files of a whole world are large even inflated: only the ratio to the
+// compressed size is held to.
+constexpr InflateLimits kLineLimits{.MaxBytes = SIZE_MAX};
+
 // Reads a file line by line, plain or gzip-compressed.
 class LineSource {
  public:
@@ -116,11 +123,21 @@ class LineSource {
       any = true;
       out += buf;
       if (!out.empty() && out.back() == '\n') break;
+      if (out.size() > kMaxLineBytes) {
+        damage_ = "a line longer than any real line (refused)";
+        return false;
+      }
+    }
+    // A file that inflates far beyond its size is refused as soon as it shows.
+    if (!gzdirect(gz_) && InflatedTooFar(static_cast<size_t>(gztell(gz_)),
+                                         static_cast<size_t>(gzoffset(gz_)), kLineLimits)) {
+      damage_ = std::string(InflateProblem(InflateResult::TooLarge));
+      return false;
     }
     int code = Z_OK;
     const char* message = gzerror(gz_, &code);
     if (code != Z_OK && code != Z_STREAM_END) {
-      damage_ = message;
+      damage_ = "damaged compressed data (" + std::string(message) + ")";
       return false;
     }
     if (!any) return false;
@@ -301,8 +318,7 @@ class Importer {
         break;
       }
     }
-    if (!src.Damage().empty())
-      out_.Errors.push_back(std::string(path) + ": damaged compressed data (" + src.Damage() + ")");
+    if (!src.Damage().empty()) out_.Errors.push_back(std::string(path) + ": " + src.Damage());
   }
 
   void ReadAirports(std::string_view path) {
@@ -385,8 +401,7 @@ class Importer {
       }
     }
     finish();
-    if (!src.Damage().empty())
-      out_.Errors.push_back(std::string(path) + ": damaged compressed data (" + src.Damage() + ")");
+    if (!src.Damage().empty()) out_.Errors.push_back(std::string(path) + ": " + src.Damage());
   }
 
   void AddRunway(std::string number1, double lat1, double lon1, double disp1, std::string number2,
@@ -531,21 +546,6 @@ std::string FileGlideSlope(double degrees) {
 
 WorldImport ImportWorld(std::string_view aptDat, std::string_view navDat) {
   return Importer().Run(aptDat, navDat);
-}
-
-std::string GzipText(std::string_view text) {
-  z_stream z{};
-  // 15 + 16: a gzip wrapper with an empty header, so the bytes never change.
-  deflateInit2(&z, 9, Z_DEFLATED, 15 + 16, 9, Z_DEFAULT_STRATEGY);
-  std::string out(deflateBound(&z, static_cast<uLong>(text.size())), '\0');
-  z.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(text.data()));
-  z.avail_in = static_cast<uInt>(text.size());
-  z.next_out = reinterpret_cast<Bytef*>(out.data());
-  z.avail_out = static_cast<uInt>(out.size());
-  deflate(&z, Z_FINISH);
-  out.resize(z.total_out);
-  deflateEnd(&z);
-  return out;
 }
 
 }  // namespace vantoro

@@ -43,7 +43,4 @@ std::string FileLongitude(double longitude);
 // A glide slope in the file's form: "3", or "3_20" for 3.2 degrees.
 std::string FileGlideSlope(double degrees);
 
-// gzip of a text, byte for byte the same on every run (no time stamp).
-std::string GzipText(std::string_view text);
-
 }  // namespace vantoro

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "base/gzip.h"
 #include "cli/record.h"
 #include "link/image_link.h"
 #include "support/scenario.h"
@@ -139,22 +140,32 @@ TEST(RecordingFiles, CompressedAndPlainReadAlike) {
   std::string error;
   ASSERT_TRUE(LoadRecording(Write("a.vrec", text), plain, error)) << error;
   // Told by content, not by name.
-  ASSERT_TRUE(LoadRecording(Write("c.vrec", Gzip(text)), packed, error)) << error;
+  ASSERT_TRUE(LoadRecording(Write("c.vrec", GzipText(text)), packed, error)) << error;
   ASSERT_EQ(packed.steps.size(), plain.steps.size());
   for (size_t i = 0; i < plain.steps.size(); ++i)
     EXPECT_EQ(packed.steps[i].bytes, plain.steps[i].bytes);
   EXPECT_EQ(packed.TotalTicks(), 3);
 
   // A bad line inside a compressed file is told with the file's name.
-  const std::string bad = Write("bad.vrec.gz", Gzip(Rec("tick\nbogus\n")));
+  const std::string bad = Write("bad.vrec.gz", GzipText(Rec("tick\nbogus\n")));
   EXPECT_FALSE(LoadRecording(bad, packed, error));
   EXPECT_EQ(error, bad + ":3: unknown directive 'bogus'");
 
-  std::string damaged = Gzip(text);
+  std::string damaged = GzipText(text);
   damaged.resize(damaged.size() / 2);
-  const std::string cut = Write("cut.vrec.gz", damaged);
-  EXPECT_FALSE(LoadRecording(cut, packed, error));
-  EXPECT_EQ(error, cut + ": damaged or too large compressed recording");
+  // 8 MB of one repeated line packs into some 8 KB: refused after the first
+  // megabyte instead of being inflated whole.
+  std::string huge = Rec("");
+  while (huge.size() < (size_t{8} << 20)) huge += "tick\n";
+  const std::pair<std::string, std::string> refused[] = {
+      {Write("cut.vrec.gz", damaged), ": damaged compressed data"},
+      {Write("bomb.vrec.gz", GzipText(huge)),
+       ": compressed data that inflates far beyond any real file (refused)"},
+  };
+  for (const auto& [file, why] : refused) {
+    EXPECT_FALSE(LoadRecording(file, packed, error));
+    EXPECT_EQ(error, file + why);
+  }
 
   std::filesystem::remove_all(dir);
 }

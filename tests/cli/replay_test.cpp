@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "base/files.h"
+#include "base/gzip.h"
 #include "base/text.h"
 #include "cli/commands.h"
 #include "support/scenario.h"
@@ -28,7 +29,7 @@ TEST(Replay, PhrasesKeysAndVirtualTime) {
                              r, error))
       << error;
   EventLog log;
-  Replay replay(ReplaySetup{testing::DataRoot(), 1, true}, log);
+  Replay replay(ReplaySetup{testing::DataRoot(), 1, true, {}, {}}, log);
   EXPECT_EQ(replay.Run(r), 4);
   // Each tick is half a second: one tick and four sound steps of 125 ms.
   EXPECT_EQ(replay.VirtualMs(), 2000);
@@ -100,10 +101,10 @@ TEST_F(Cli, BadReplaysEndWithStatusTwoAndWriteNothing) {
 }
 
 TEST_F(Cli, ReplayWritesEventsAndCopiesThePilot) {
-  const std::string rec = Write("r.vrec.gz", Gzip("vantoro-recording 1\n"
-                                                  "clock 2026-11-21T14:05:00\n"
-                                                  "u8 0366 1\n"
-                                                  "tick 6\n"));
+  const std::string rec = Write("r.vrec.gz", GzipText("vantoro-recording 1\n"
+                                                      "clock 2026-11-21T14:05:00\n"
+                                                      "u8 0366 1\n"
+                                                      "tick 6\n"));
   const std::string pilot = Write("Ace.plt", "[Pilot]\nName=Ace\n");
   ASSERT_EQ(
       Run(ReplayCommand, {rec, "--root", testing::DataRoot(), "--pilot", pilot, "--out",
@@ -192,7 +193,7 @@ TEST(Replay, TheDeliveredWorldIsLoadedAtConnectAndTheNearestRunwayFound) {
                              r, error))
       << error;
   EventLog log;
-  Replay replay(ReplaySetup{testing::DataRoot(), 1, true}, log);
+  Replay replay(ReplaySetup{testing::DataRoot(), 1, true, {}, {}}, log);
   replay.Run(r);
   const FlightState& f = replay.instructor().flight;
   ASSERT_NE(f.Runways.NearestRunway, nullptr);
@@ -215,7 +216,7 @@ TEST(Replay, TheDemoCircuitIsJudgedAgainstTheRunwayIntoTheWind) {
       "demo", ReadFile(testing::DataRoot() + "/Recordings/demo-c172-circuit.vrec"), r, error))
       << error;
   EventLog log;
-  Replay replay(ReplaySetup{testing::DataRoot(), 1, true}, log);
+  Replay replay(ReplaySetup{testing::DataRoot(), 1, true, {}, {}}, log);
   replay.Run(r);
   const std::vector<Event> landings = log.OfType("landing");
   ASSERT_EQ(landings.size(), 1u);

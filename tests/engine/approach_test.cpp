@@ -215,6 +215,11 @@ TEST(ApproachCallouts, HeightsBalloonsAndLowFlight) {
       {"heavy, 550 fpm at 60 feet", [](B b) { b.Heavy(); b.Descend(60, 60, -550); }, "DescentTooFastDontLandGoAround.wav"},
       {"rising 5 feet in the flare, calls disabled", [](B b) { b.aircraft().Monitoring.WantnoGPWS = true; b.Descend(20, 25); },
        "Ballooning.wav [2] +Ballooning"},
+      {"a balloon held five ticks: counted on each, said once", [](B b) {
+         b.Descend(20, 25);
+         Cockpit c = b.c();
+         for (int i = 0; i < 4; ++i) { Ballooning(c); b.flight().TickCount += 1; }
+       }, "Ballooning.wav [2] +Ballooning +Ballooning +Ballooning +Ballooning +Ballooning"},
       {"ground rising 60 feet in Cruise", [](B b) { b.flight().Modes = {.Cruise = true}; b.Descend(240, 180); },
        "YouFlewTooLow.wav [2] +FlewTooLowOverObstacle"},
       {"the same in Landing", [](B b) { b.Descend(240, 180); }, ""},

@@ -1,3 +1,4 @@
+#include <cmath>
 #include <fstream>
 
 #include "base/files.h"
@@ -129,6 +130,71 @@ TEST(RunwayChoice, TheNearestAirportIsAnnouncedOnceWhenAskedForAndHighEnough) {
          at = queued.find("Bearing.wav", at + 1))
       ++said;
     EXPECT_EQ(said, row.announcements);
+  }
+}
+
+// Honolulu from the delivered world data: runway 08L has the ILS on 111.70;
+// Pearl Harbor's seaplane lanes lie 1.5 nm from its final approach.
+const std::string kHonolulu =
+    "08L|90|N21_19_51|W157_56_59|3|PHNL.08L|13|12273|150|111.70|IHNL|ASPHALT|127.90|90|21.325244|"
+    "-157.907094||Honolulu Intl|0|21.325247|-157.943233\r\n"
+    "26R|270|N21_19_51|W157_54_43|3|PHNL.26R|13|12273|150|||ASPHALT|127.90|0|21.325247|-157.943233|"
+    "|Honolulu Intl|0|21.325244|-157.907094\r\n"
+    "04R|53|N21_18_84|W157_55_63|3|PHNL.04R|13|9000|150|110.50|IIUM|ASPHALT|127.90|53|21.328822|"
+    "-157.906011||Honolulu Intl|0|21.313917|-157.927136\r\n"
+    "22L|233|N21_19_73|W157_54_36|3|PHNL.22L|13|9000|150|||ASPHALT|127.90|0|21.313917|-157.927136|"
+    "|Honolulu Intl|0|21.328822|-157.906011\r\n"
+    "36|360|N21_18_15|W157_58_20|3|QPHB.36|0|5000|5000|||WATER||0|21.316174|-157.970016||"
+    "Pearl Harbor|0|21.302460|-157.970016\r\n"
+    "18|180|N21_18_97|W157_58_20|3|QPHB.18|0|5000|5000|||WATER||0|21.302460|-157.970016||"
+    "Pearl Harbor|0|21.316174|-157.970016\r\n"
+    "H1|0|N21_18_97|W157_58_20|3|QPHB.H1|0|100|100|||CONCRETE||0|0|0||Pearl Harbor|0|21.31|"
+    "-157.975\r\n";
+
+TEST(RunwayChoice, TheApproachTakesTheTunedILSThenTheRunwayAheadAndNeverWaterForALandPlane) {
+  struct Row {
+    std::string name;
+    double startMiles;  // west of the 08L threshold, flying east along its centre line
+    int heading;        // the direction flown
+    bool ilsTuned, floatPlane;
+    std::string runway, reason, obs;  // obs: the NAV1 OBS the instructor writes
+  };
+  // clang-format off
+  const std::vector<Row> rows = {
+      {"down the localiser, 3 nm out", 3, 90, true, false, "PHNL 08L", "ils", "5A00"},
+      {"the same, not tuned: the runway ahead", 3, 90, false, false, "PHNL 08L", "ahead", "5A00"},
+      {"flying north past the seaplane lanes, not tuned", 2.5, 0, false, false, "PHNL 04R", "wind", "3500"},
+      {"the same in a float plane", 2.5, 0, false, true, "QPHB 36", "wind", "6801"},
+  };
+  // clang-format on
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.name);
+    FlightRig rig;
+    WriteFile(rig.dir_ / "FSX.RWY", kHonolulu);
+    rig.instructor.aircraft.Raw.FloatPlane = row.floatPlane;
+    rig.image.SetU16(0x0EF2, 0);  // a north wind: Pearl Harbor's 36 faces it
+    rig.image.SetU16(0x0EF0, 10);
+    if (row.ilsTuned) rig.image.SetU16(0x0350, 0x1170);  // NAV1 on 111.70
+    const double kMilesPerDegree = 60 * std::cos(21.325 * M_PI / 180);
+    double lat = 21.325247, lon = -157.943233 - row.startMiles / kMilesPerDegree;
+    rig.Position(lat, lon);
+    rig.image.SetU8(0x0366, 0);
+    rig.AGL(1500);
+    ASSERT_TRUE(rig.instructor.Connect());
+    rig.Mark();
+    for (int i = 0; i < 8; ++i) {  // in Cruise, long enough for a ground track
+      (row.heading == 90 ? lon : lat) += 0.0003;
+      rig.Position(lat, lon);
+      rig.Tick();
+    }
+    rig.AGL(900);
+    rig.Fly({.key = 7});  // the approach begins
+    EXPECT_EQ(rig.Texts("runway", "ident"), row.runway);
+    EXPECT_EQ(rig.Texts("runway", "reason"), row.reason);
+    std::string obs;
+    for (const Event& e : rig.Since("write"))
+      if (e.Text("offset") == "0x0C4E") obs = e.Text("bytes");
+    EXPECT_EQ(obs, row.obs);
   }
 }
 

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "base/files.h"
+#include "base/gzip.h"
 #include "world/runway_queries.h"
 #include "world/runways.h"
 #include "world/vors.h"

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <sstream>
 
+#include "base/gzip.h"
 #include "world/world_import.h"
 #include "world_fixture.h"
 

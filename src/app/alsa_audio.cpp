@@ -1,0 +1,236 @@
+#include "app/alsa_audio.h"
+
+#include <alsa/asoundlib.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstring>
+#include <utility>
+
+#include "base/files.h"
+#include "voice/wav.h"
+
+namespace vantoro {
+
+namespace {
+
+constexpr int kSilentVolume = -10000;  // at or below: nothing is heard
+constexpr snd_pcm_uframes_t kChunkFrames = 1024;
+constexpr uint16_t kWavPcm = 1;
+constexpr uint16_t kWavFloat = 3;
+constexpr uint16_t kWavExtensible = 0xFFFE;
+
+// ALSA's own complaints on standard error are replaced by the program's
+// report of the problem.
+void QuietAlsa(const char*, int, const char*, int, const char*, ...) {}
+
+// Where the samples of a wave file start, or nothing when it has no data chunk.
+std::optional<size_t> DataStart(const std::string& bytes) {
+  size_t at = 12;
+  while (at + 8 <= bytes.size()) {
+    uint32_t length = 0;
+    std::memcpy(&length, bytes.data() + at + 4, 4);
+    if (bytes.compare(at, 4, "data") == 0) return at + 8;
+    at += 8 + static_cast<size_t>(length) + (length & 1u);
+  }
+  return std::nullopt;
+}
+
+std::optional<snd_pcm_format_t> AlsaFormat(const WavInfo& info) {
+  const bool floating = info.format == kWavFloat;
+  if (info.format != kWavPcm && !floating && info.format != kWavExtensible) return std::nullopt;
+  switch (info.bitsPerSample) {
+    case 8:
+      return SND_PCM_FORMAT_U8;
+    case 16:
+      return SND_PCM_FORMAT_S16_LE;
+    case 24:
+      return SND_PCM_FORMAT_S24_3LE;
+    case 32:
+      return floating ? SND_PCM_FORMAT_FLOAT_LE : SND_PCM_FORMAT_S32_LE;
+    default:
+      return std::nullopt;
+  }
+}
+
+// The volume applied to the samples in place (16-bit and float; other forms
+// are played as they are, or silent).
+void ApplyGain(char* data, size_t bytes, snd_pcm_format_t format, double gain) {
+  if (gain == 1.0) return;
+  if (gain <= 0.0 && format != SND_PCM_FORMAT_U8) {
+    std::memset(data, 0, bytes);
+    return;
+  }
+  if (format == SND_PCM_FORMAT_S16_LE) {
+    for (size_t i = 0; i + 2 <= bytes; i += 2) {
+      int16_t s;
+      std::memcpy(&s, data + i, 2);
+      const double scaled = std::clamp(s * gain, -32768.0, 32767.0);
+      s = static_cast<int16_t>(std::lrint(scaled));
+      std::memcpy(data + i, &s, 2);
+    }
+  } else if (format == SND_PCM_FORMAT_FLOAT_LE) {
+    for (size_t i = 0; i + 4 <= bytes; i += 4) {
+      float f;
+      std::memcpy(&f, data + i, 4);
+      f = static_cast<float>(std::clamp(f * gain, -1.0, 1.0));
+      std::memcpy(data + i, &f, 4);
+    }
+  }
+}
+
+std::vector<std::string> ListOutputDevices() {
+  std::vector<std::string> names;
+  void** hints = nullptr;
+  if (snd_device_name_hint(-1, "pcm", &hints) < 0 || hints == nullptr) return names;
+  for (void** h = hints; *h != nullptr; ++h) {
+    char* name = snd_device_name_get_hint(*h, "NAME");
+    char* io = snd_device_name_get_hint(*h, "IOID");
+    if (name != nullptr && (io == nullptr || std::strcmp(io, "Output") == 0) &&
+        std::strcmp(name, "null") != 0)
+      names.emplace_back(name);
+    std::free(name);
+    std::free(io);
+  }
+  snd_device_name_free_hint(hints);
+  return names;
+}
+
+}  // namespace
+
+double VolumeGain(int volume) {
+  if (volume <= kSilentVolume) return 0.0;
+  return std::pow(10.0, volume / 20.0);
+}
+
+AlsaAudioOut::AlsaAudioOut(std::string systemDefault)
+    : systemDefault_(std::move(systemDefault)), device_(systemDefault_) {
+  snd_lib_error_set_handler(QuietAlsa);
+  devices_ = ListOutputDevices();
+}
+
+AlsaAudioOut::~AlsaAudioOut() {
+  stop_ = true;
+  stopped_.notify_all();
+  Join();
+}
+
+std::string AlsaAudioOut::DeviceName(int index) const {
+  if (index < 0 || index >= DeviceCount()) return {};
+  return devices_[static_cast<size_t>(index)];
+}
+
+void AlsaAudioOut::SetDevice(int index) {
+  if (index < 0) {
+    device_ = systemDefault_;
+  } else if (index < DeviceCount()) {
+    device_ = devices_[static_cast<size_t>(index)];
+  } else {
+    device_ = systemDefault_;
+    Report("Sound: device " + std::to_string(index) + " is not there; playing on " +
+           systemDefault_);
+  }
+}
+
+void AlsaAudioOut::Report(std::string problem) {
+  std::lock_guard lock(mutex_);
+  problem_ = std::move(problem);
+}
+
+void AlsaAudioOut::Join() {
+  if (thread_.joinable()) thread_.join();
+}
+
+void AlsaAudioOut::Play(const std::string& nativePath) {
+  // One file at a time: a file still playing is cut short.
+  if (playing_) Stop();
+  Join();
+  stop_ = false;
+  ended_ = false;
+  frames_ = 0;
+  playing_ = true;
+  thread_ = std::thread(&AlsaAudioOut::Playback, this, nativePath, device_, gain_.load());
+}
+
+void AlsaAudioOut::Stop() {
+  if (!playing_) return;
+  stop_ = true;
+  stopped_.notify_all();
+  Join();
+  playing_ = false;
+  if (onFinished) onFinished();
+}
+
+std::string AlsaAudioOut::Deliver() {
+  if (playing_ && ended_) {
+    Join();
+    playing_ = false;
+    if (onFinished) onFinished();
+  }
+  std::lock_guard lock(mutex_);
+  if (problem_.empty() || problem_ == lastTold_) return {};
+  lastTold_ = std::exchange(problem_, {});
+  return lastTold_;
+}
+
+void AlsaAudioOut::SilentFor(int64_t milliseconds) {
+  std::unique_lock lock(mutex_);
+  stopped_.wait_for(lock, std::chrono::milliseconds(milliseconds), [this] { return stop_.load(); });
+}
+
+void AlsaAudioOut::Playback(std::string path, std::string device, double gain) {
+  std::string bytes = ReadFile(path);
+  const WavInfo info = ParseWavHeader(bytes);
+  const std::optional<size_t> start = DataStart(bytes);
+  const std::optional<snd_pcm_format_t> format = AlsaFormat(info);
+  if (!info.valid || !start || !format || info.channels == 0 || info.blockAlign == 0) {
+    // A file the card cannot take plays for the length its header gives.
+    SilentFor(info.durationMs);
+    ended_ = true;
+    return;
+  }
+  snd_pcm_t* pcm = nullptr;
+  int rc = snd_pcm_open(&pcm, device.c_str(), SND_PCM_STREAM_PLAYBACK, 0);
+  if (rc >= 0)
+    rc = snd_pcm_set_params(pcm, *format, SND_PCM_ACCESS_RW_INTERLEAVED, info.channels,
+                            info.sampleRate, 1, kAlsaLatencyMicroseconds);
+  if (rc < 0) {
+    if (pcm != nullptr) snd_pcm_close(pcm);
+    Report("Sound: the device " + device + " cannot play (" + snd_strerror(rc) +
+           "); the instructor goes on in silence");
+    SilentFor(info.durationMs);
+    ended_ = true;
+    return;
+  }
+  // A good start clears a problem told before, so that a new one is told.
+  {
+    std::lock_guard lock(mutex_);
+    lastTold_.clear();
+  }
+  const size_t available = std::min<size_t>(info.dataBytes, bytes.size() - *start);
+  char* data = bytes.data() + *start;
+  const size_t frames = available / info.blockAlign;
+  ApplyGain(data, frames * info.blockAlign, *format, gain);
+  size_t done = 0;
+  while (done < frames && !stop_) {
+    const snd_pcm_uframes_t n = std::min<snd_pcm_uframes_t>(kChunkFrames, frames - done);
+    snd_pcm_sframes_t written = snd_pcm_writei(pcm, data + done * info.blockAlign, n);
+    if (written < 0) written = snd_pcm_recover(pcm, static_cast<int>(written), 1);
+    if (written < 0) {
+      Report(std::string("Sound: the device ") + device + " failed (" +
+             snd_strerror(static_cast<int>(written)) + "); the instructor goes on in silence");
+      break;
+    }
+    done += static_cast<size_t>(written);
+    frames_ = static_cast<int64_t>(done);
+  }
+  if (stop_)
+    snd_pcm_drop(pcm);
+  else
+    snd_pcm_drain(pcm);
+  snd_pcm_close(pcm);
+  ended_ = true;
+}
+
+}  // namespace vantoro

@@ -1,0 +1,177 @@
+#include "app/live_program.h"
+
+#include <chrono>
+#include <utility>
+
+#include "base/failure.h"
+#include "base/files.h"
+#include "base/registry.h"
+#include "cli/event_writers.h"
+#include "engine/polling.h"
+#include "engine/tick_rules.h"
+#include "link/platform_link.h"
+#include "shell/pilot.h"
+#include "voice/sound_queue.h"
+
+namespace vantoro {
+
+namespace {
+
+// The status line once a recording flown through the program has no tick left.
+constexpr const char* kRecordingFinished = "Status: The recording is finished";
+
+uint64_t SeedFromTime() {
+  return static_cast<uint64_t>(std::chrono::system_clock::now().time_since_epoch().count()) | 1u;
+}
+
+}  // namespace
+
+void FeedEvents::Emit(const Event& event) {
+  feed_.PublishEvent(EventJson(event));
+}
+
+nlohmann::json BasicState(Instructor& in) {
+  return {
+      {"tick", in.flight.TickCount},       {"connected", in.flight.UserConnected},
+      {"status", in.flight.Status},        {"mode", FlightModeName(CurrentMode(in.flight.Modes))},
+      {"flight", in.flight.CurrentFlight}, {"pilot", in.pilot.CurrentPilotFile}};
+}
+
+LiveProgram::LiveProgram(const LiveSetup& setup, LiveParts parts)
+    : parts_(std::move(parts)),
+      feedEvents_(feed_),
+      instructor_([&] {
+        events_.Add(&feedEvents_);
+        if (parts_.alsoTell != nullptr) events_.Add(parts_.alsoTell);
+        if (!parts_.random) parts_.random = std::make_unique<SeededRandom>(SeedFromTime());
+        Seams seams;
+        seams.events = &events_;
+        seams.random = parts_.random.get();
+        seams.audio = {parts_.audio[0].get(), parts_.audio[1].get()};
+        if (parts_.recording) {
+          seams.sim = &parts_.recording->link();
+          seams.clock = &parts_.recording->clock();
+        } else {
+          if (!parts_.sim) parts_.sim = std::make_unique<NoSimulatorLink>();
+          tap_ = std::make_unique<TapLink>(*parts_.sim);
+          seams.sim = tap_.get();
+          seams.clock = parts_.clock ? parts_.clock.get() : &systemClock_;
+        }
+        return std::make_unique<Instructor>(setup.root, seams);
+      }()),
+      loop_(*instructor_, mailbox_, setup.speed) {
+  if (tap_ && parts_.record)
+    recorder_ = std::make_unique<FlightRecorder>(
+        *tap_, parts_.clock ? *parts_.clock : static_cast<const Clock&>(systemClock_));
+  loop_.SetBody(LiveTimer::FSPoll, [this](Instructor& in) { PollTick(in); });
+  loop_.SetBody(LiveTimer::SoundTimer, [this](Instructor& in) {
+    in.SoundStep();
+    if (!parts_.afterSoundStep) return;
+    // A sound device that fails is told on the status line; the instructor
+    // goes on in silence, the captions still shown.
+    if (std::string problem = parts_.afterSoundStep(); !problem.empty()) {
+      in.flight.Status = problem;
+      events_.Emit(in.flight.TickCount, "status", {{"text", problem}});
+    }
+  });
+  // The remote and web timers have no work of the instructor's yet: the
+  // loop keeps them so that their work slots in (posted work runs before
+  // each of them all the same).
+}
+
+LiveProgram::~LiveProgram() {
+  mailbox_.Close();
+  feed_.Close();
+}
+
+void LiveProgram::Notice(const std::string& text) {
+  events_.Emit(instructor_->flight.TickCount, "notice", {{"text", text}});
+}
+
+void LiveProgram::StartUp() {
+  Instructor& in = *instructor_;
+  std::unique_ptr<Registry> registry = MakePlatformRegistry();
+  const std::string problems =
+      LoadSettingsAndPilot(in.root, *registry, in.settings, in.pilot, in.sound, in.options);
+  for (size_t start = 0; start < problems.size();) {
+    const size_t end = problems.find('\n', start);
+    const std::string line = problems.substr(start, end - start);
+    if (!line.empty()) Notice(line);
+    if (end == std::string::npos) break;
+    start = end + 1;
+  }
+  in.scores.PilotFile = in.pilot.CurrentPilotFile;
+  {
+    Voice v{in.sound,
+            {parts_.audio[0].get(), parts_.audio[1].get()},
+            nullptr,
+            events_,
+            in.flight.TickCount};
+    SelectSoundCard(v, LoadSoundCard(in.sound));
+    SetInstructorVolume(v, in.sound.InstructorVolume);
+  }
+  if (recorder_)
+    for (const std::string& file : RecoverOpenRecordings(NativePath(in.root)))
+      Notice("A flight's recording left open has been kept: " + file);
+  // The first attempt at the simulator, so that the status line tells at
+  // once whether one is there; a recording connects before its first tick.
+  if (!parts_.recording) {
+    Cockpit c = in.cockpit();
+    FSConnect(c);
+  }
+  PublishState();
+}
+
+void LiveProgram::PublishState() {
+  feed_.PublishState(stateOf(*instructor_));
+}
+
+void LiveProgram::PollTick(Instructor& in) {
+  // The pilot on the page is the one whose log the flight goes to.
+  if (in.scores.PilotFile != in.pilot.CurrentPilotFile)
+    in.scores.PilotFile = in.pilot.CurrentPilotFile;
+  if (RecordingFeed* recording = parts_.recording.get()) {
+    if (!recording->BeforeTick(in)) {
+      if (!recordingEnded_) {
+        recordingEnded_ = true;
+        events_.Emit(in.flight.TickCount, "end", {{"ticks", recording->TicksServed()}});
+        in.flight.Status = kRecordingFinished;
+        events_.Emit(in.flight.TickCount, "status", {{"text", kRecordingFinished}});
+        PublishState();
+      }
+      return;
+    }
+    // The pilot pressed Connect before the first tick, with the image as the
+    // recording had set it up, as in replay.
+    if (!recordingConnected_) {
+      recordingConnected_ = true;
+      in.Connect();
+    }
+  }
+  in.Tick();
+  if (parts_.recording) parts_.recording->AfterTick();
+  if (recorder_)
+    if (std::string problem = recorder_->AfterTick(in); !problem.empty()) Notice(problem);
+  PublishState();
+}
+
+int LiveProgram::Run() {
+  try {
+    loop_.Run();
+  } catch (const FailureReport& f) {
+    failure_ = f.Report();
+  } catch (const std::exception& e) {
+    failure_ = FailureReport(kErrInvalidCall, e.what(), "FSPolling").Report();
+  }
+  if (recorder_) recorder_->Close();
+  if (failure_) {
+    events_.Emit(instructor_->flight.TickCount, "error", {{"text", *failure_}});
+    nlohmann::json state = stateOf(*instructor_);
+    state["failure"] = *failure_;
+    feed_.PublishState(std::move(state));
+    return 70;
+  }
+  return 0;
+}
+
+}  // namespace vantoro

@@ -1,0 +1,228 @@
+// vantoro: the live instructor beside the simulator. It flies the pilot's
+// flights (or a recording, in real time), speaks through the sound card,
+// records each flight, and serves the pilot's app to the browser.
+#include <pthread.h>
+#include <signal.h>
+
+#include <CLI/CLI.hpp>
+#include <array>
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <string>
+#include <thread>
+
+#include "app/alsa_audio.h"
+#include "app/data_root.h"
+#include "app/live_program.h"
+#include "cli/commands.h"
+#include "link/platform_link.h"
+#include "link/recording.h"
+
+namespace vantoro {
+namespace {
+
+constexpr int kExitUsage = 2;
+constexpr int kExitReport = 70;
+constexpr int kDefaultPort = 8470;
+// After the standard failure report the app is given this long to show it.
+constexpr std::chrono::seconds kReportShownFor{3};
+
+struct Options {
+  std::string root;
+  int port = kDefaultPort;
+  std::string listen;
+  bool noBrowser = false;
+  std::string replay;
+  std::string sim;
+};
+
+// What the pilot sees in the terminal: the status line, notices, captions
+// and the failure report.
+class ConsoleEvents final : public Events {
+ public:
+  void Emit(const Event& e) override {
+    if (e.type == "status" || e.type == "notice")
+      std::cout << e.Text("text") << std::endl;
+    else if (e.type == "spoken" && !e.Text("caption").empty())
+      std::cout << "  " << e.Text("caption") << std::endl;
+    else if (e.type == "error")
+      std::cerr << e.Text("text") << std::endl;
+  }
+  using Events::Emit;
+};
+
+// The simulator link --sim names. Only the offset server's link exists, and
+// only on Windows; the others are not written yet.
+std::unique_ptr<SimLink> SimulatorLink(const std::string& name, std::string& error) {
+#ifdef _WIN32
+  if (name.empty() || name == "fsuipc") return MakePlatformLink();
+#else
+  if (name.empty()) return MakePlatformLink();
+  if (name == "fsuipc") {
+    error = "--sim fsuipc: the offset server's link exists only on Windows";
+    return nullptr;
+  }
+#endif
+  error = "--sim " + name + ": there is no link to " + name +
+          " yet; fly a recording with --replay FILE";
+  return nullptr;
+}
+
+// The two sound channels on ALSA, handing their notices back after each step.
+void SoundOnAlsa(LiveParts& parts) {
+  auto first = std::make_unique<AlsaAudioOut>();
+  auto second = std::make_unique<AlsaAudioOut>();
+  std::array<AlsaAudioOut*, 2> devices = {first.get(), second.get()};
+  parts.audio = {std::move(first), std::move(second)};
+  parts.afterSoundStep = [devices] {
+    std::string problem;
+    for (AlsaAudioOut* d : devices)
+      if (std::string p = d->Deliver(); !p.empty()) problem = p;
+    return problem;
+  };
+}
+
+void OpenBrowser(const std::string& url) {
+  const std::string command = "xdg-open '" + url + "' >/dev/null 2>&1 &";
+  if (std::system(command.c_str()) != 0)
+    std::cout << "Open " << url << " in your browser" << std::endl;
+}
+
+// SIGINT and SIGTERM end the program cleanly: a thread of its own waits for
+// them and stops the loop, which closes the flight and its files.
+class SignalWatch {
+ public:
+  SignalWatch() {
+    sigemptyset(&set_);
+    sigaddset(&set_, SIGINT);
+    sigaddset(&set_, SIGTERM);
+    sigaddset(&set_, SIGUSR1);
+    // Blocked before any other thread starts, so only this one takes them.
+    pthread_sigmask(SIG_BLOCK, &set_, nullptr);
+  }
+  void Start(LiveProgram& program) {
+    thread_ = std::thread([this, &program] {
+      int signal = 0;
+      while (sigwait(&set_, &signal) == 0) {
+        if (signal == SIGUSR1) return;
+        program.Stop();
+      }
+    });
+  }
+  ~SignalWatch() {
+    if (thread_.joinable()) {
+      pthread_kill(thread_.native_handle(), SIGUSR1);
+      thread_.join();
+    }
+  }
+
+ private:
+  sigset_t set_;
+  std::thread thread_;
+};
+
+int Main(int argc, char** argv) {
+  Options o;
+  CLI::App cli{"vantoro: the flight instructor beside the simulator, and the pilot's app"};
+  cli.add_option("--root", o.root,
+                 "data root (default: the data beside the program when writable, else "
+                 "~/.local/share/vantoro, copied from it)")
+      ->option_text("DIR");
+  cli.add_option("--port", o.port, "the app's HTTP port on 127.0.0.1 (default 8470)")
+      ->option_text("N")
+      ->check(CLI::Range(1, 65535))
+      ->capture_default_str();
+  cli.add_option("--listen", o.listen,
+                 "also listen on ADDRESS; every request then needs the pairing code printed "
+                 "at start")
+      ->option_text("ADDRESS");
+  cli.add_flag("--no-browser", o.noBrowser, "do not open the app in the default browser");
+  cli.add_option("--replay", o.replay,
+                 "fly a recording (.vrec or .vrec.gz) in real time instead of a simulator")
+      ->option_text("FILE");
+  cli.add_option("--sim", o.sim, "the simulator link: fsuipc (Windows), flightgear, xplane")
+      ->option_text("NAME")
+      ->check(CLI::IsMember({"fsuipc", "flightgear", "xplane"}));
+  cli.footer(
+      "Each live flight is recorded beside the pilot's log (PilotRoster/NAME DATE.vrec.gz).\n"
+      "Ctrl+C ends the program; the flight's files are closed first.");
+  try {
+    cli.parse(argc, argv);
+  } catch (const CLI::CallForHelp& e) {
+    return cli.exit(e);
+  } catch (const CLI::ParseError& e) {
+    cli.exit(e);
+    return kExitUsage;
+  }
+
+  SignalWatch signals;  // before any thread exists
+  LiveParts parts;
+  if (!o.replay.empty()) {
+    Recording recording;
+    std::string error;
+    if (!o.sim.empty()) {
+      std::cerr << "vantoro: --replay and --sim: one or the other\n";
+      return kExitUsage;
+    }
+    if (!LoadRecording(o.replay, recording, error)) {
+      std::cerr << error << '\n';
+      return kExitUsage;
+    }
+    parts.recording = std::make_unique<RecordingFeed>(std::move(recording));
+    parts.record = false;
+  } else {
+    std::string error;
+    parts.sim = SimulatorLink(o.sim, error);
+    if (!parts.sim) {
+      std::cerr << "vantoro: " << error << '\n';
+      return kExitUsage;
+    }
+  }
+
+  std::string root = o.root;
+  if (root.empty()) {
+    std::string note, error;
+    CliContext context{argv[0], std::cout, std::cerr};
+    root = ChooseDataRoot(DefaultRoot(context), UserDataFolder(), note, error);
+    if (root.empty()) {
+      std::cerr << "vantoro: " << error << '\n';
+      return kExitUsage;
+    }
+    if (!note.empty()) std::cout << note << '\n';
+  } else if (std::error_code ec; !std::filesystem::is_directory(root, ec)) {
+    std::cerr << "vantoro: no data root folder at " << root << '\n';
+    return kExitUsage;
+  }
+
+  SoundOnAlsa(parts);
+  ConsoleEvents console;
+  parts.alsoTell = &console;
+  LiveProgram program(LiveSetup{root}, std::move(parts));
+
+  // The pilot's app. Its server is made here, over the program's mailbox and
+  // live feed, once it exists:
+  //   WebServer web({root, {}, o.port, o.listen}, program.mailbox(), program.feed());
+  //   program.stateOf = LiveState;  web.Start(error); print web.Url() (and the
+  //   pairing code with --listen); OpenBrowser(web.Url()) unless --no-browser.
+  const bool appServed = false;
+  if (!appServed && (!o.listen.empty() || o.port != kDefaultPort))
+    std::cout << "The pilot's app is not served by this build; --port and --listen wait for it\n";
+  if (appServed && !o.noBrowser) OpenBrowser("http://127.0.0.1:" + std::to_string(o.port) + "/");
+
+  program.StartUp();
+  signals.Start(program);
+  std::cout << "Vantoro is running; Ctrl+C ends it" << std::endl;
+  const int status = program.Run();
+  if (status == kExitReport) std::this_thread::sleep_for(kReportShownFor);
+  return status;
+}
+
+}  // namespace
+}  // namespace vantoro
+
+int main(int argc, char** argv) {
+  return vantoro::Main(argc, argv);
+}

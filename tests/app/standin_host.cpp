@@ -1,0 +1,110 @@
+#include "standin_host.h"
+
+#include <utility>
+
+#include "app/web/web_server.h"
+#include "base/failure.h"
+#include "cli/event_writers.h"
+#include "cli/replay.h"
+#include "shell/pilot.h"
+
+namespace vantoro {
+
+namespace {
+
+// Every event of the instructor becomes a line of the live stream.
+class FeedEvents final : public Events {
+ public:
+  explicit FeedEvents(LiveFeed& feed) : feed_(feed) {}
+  void Emit(const Event& event) override { feed_.PublishEvent(EventJson(event)); }
+  using Events::Emit;
+
+ private:
+  LiveFeed& feed_;
+};
+
+}  // namespace
+
+StandInHost::StandInHost(StandInSetup setup) : setup_(std::move(setup)) {}
+
+StandInHost::~StandInHost() {
+  Stop();
+}
+
+bool StandInHost::Start(std::string& error) {
+  Recording probe;
+  if (!LoadRecording(setup_.recording, probe, error)) return false;
+  mailbox.SetWake([this] {
+    std::lock_guard lock(mutex_);
+    woken_ = true;
+    wake_.notify_all();
+  });
+  thread_ = std::thread([this] { Loop(); });
+  return true;
+}
+
+void StandInHost::Stop() {
+  stop_ = true;
+  {
+    std::lock_guard lock(mutex_);
+    woken_ = true;
+    wake_.notify_all();
+  }
+  mailbox.Close();
+  feed.Close();
+  if (thread_.joinable()) thread_.join();
+}
+
+void StandInHost::Loop() {
+  Recording recording;
+  std::string error;
+  LoadRecording(setup_.recording, recording, error);
+  FeedEvents events(feed);
+  Replay replay(ReplaySetup{setup_.root, 1, false}, events);
+  Instructor& in = replay.instructor();
+  if (!setup_.pilot.empty()) {
+    LoadPilotData(setup_.pilot, in.pilot, in.sound, in.options);
+    in.scores.PilotFile = in.pilot.CurrentPilotFile;
+    in.settings.PilotFile = in.pilot.CurrentPilotFile;
+  }
+  feed.PublishState(LiveState(in));
+
+  // Waits out the pace of one tick, running what the app posts meanwhile.
+  auto pause = [&](std::chrono::milliseconds span) {
+    const auto until = std::chrono::steady_clock::now() + span;
+    do {
+      if (mailbox.RunPending(in) > 0) feed.PublishState(LiveState(in));
+      std::unique_lock lock(mutex_);
+      wake_.wait_until(lock, until, [&] { return woken_ || stop_.load(); });
+      woken_ = false;
+    } while (!stop_ && std::chrono::steady_clock::now() < until);
+    if (mailbox.RunPending(in) > 0) feed.PublishState(LiveState(in));
+  };
+
+  RecordingStep one;
+  one.kind = RecordingStep::Kind::Tick;
+  try {
+    for (const RecordingStep& step : recording.steps) {
+      if (stop_) break;
+      if (step.kind != RecordingStep::Kind::Tick) {
+        replay.Step(step);
+        continue;
+      }
+      for (int32_t i = 0; i < step.ticks && !stop_; ++i) {
+        if (setup_.maxTicks >= 0 && replay.Ticks() >= setup_.maxTicks) break;
+        pause(setup_.tick);
+        replay.Step(one);
+        feed.PublishState(LiveState(in));
+      }
+    }
+  } catch (const FailureReport& f) {
+    nlohmann::json state = LiveState(in);
+    state["failure"] = f.Report();
+    events.Emit(in.flight.TickCount, "error", {{"text", f.Report()}});
+    feed.PublishState(state);
+  }
+  finished_ = true;
+  while (!stop_) pause(std::chrono::milliseconds(100));
+}
+
+}  // namespace vantoro

@@ -1,0 +1,297 @@
+// The live program's loop with real timers, run faster than the wall clock
+// for a few seconds at most: a recording flown live says what replay says,
+// the app's posted work runs on the loop thread, Connect and Disconnect from
+// the app work, and the recording kept of a live flight replays to the same
+// story.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <chrono>
+#include <filesystem>
+#include <map>
+#include <mutex>
+#include <thread>
+
+#include "app/data_root.h"
+#include "app/flight_recorder.h"
+#include "app/live_program.h"
+#include "base/files.h"
+#include "cli/event_writers.h"
+#include "link/recording.h"
+#include "support/scenario.h"
+#include "voice/virtual_audio.h"
+
+namespace fs = std::filesystem;
+
+namespace vantoro {
+namespace {
+
+using testing::DataRoot;
+using testing::GenerateScript;
+using testing::MakeVoiceRoot;
+using testing::ReplayText;
+using testing::ScenarioOptions;
+
+constexpr double kSpeed = 20;  // a tick every 25 ms
+constexpr uint64_t kSeed = 1;
+
+// A parked Cessna started up and taxied a little: about sixty ticks.
+constexpr const char* kTaxiScript = R"(clock 2026-06-14T09:30:00
+aircraft title Cessna Skyhawk 172SP
+aircraft path SimObjects\Airplanes\C172\Cessna172SP.air
+aircraft engines 1
+fuel 24 24
+field elevation 270
+magvar 0
+wind 010 6
+position 51.82978359 -1.31962215
+heading 280.7
+set brake on lights nav
+wait for 5
+engine start
+wait for 5
+taxi speed 8 for 15
+stop
+wait for 3
+)";
+
+// Keeps every event; tells the test thread when the recording has ended.
+class Witness final : public Events {
+ public:
+  void Emit(const Event& e) override {
+    std::lock_guard lock(mutex_);
+    events_.push_back(e);
+    if (e.type == "end") ended = true;
+  }
+  using Events::Emit;
+  std::vector<Event> Events() {
+    std::lock_guard lock(mutex_);
+    return events_;
+  }
+  std::atomic<bool> ended{false};
+
+ private:
+  std::mutex mutex_;
+  std::vector<Event> events_;
+};
+
+// A wall clock that moves half a second a tick, as replay's does: the sound
+// timer's four steps move it on.
+class StepClock final : public Clock {
+ public:
+  WallTime Now() const override { return clock_.Now(); }
+  void Step() { clock_.AdvanceSeconds(0.125); }
+  FixedClock clock_{WallTime{2026, 6, 14, 9, 30, 0}};
+};
+
+// The parts of a test flight: instant virtual sound moved on by each step.
+LiveParts TestParts(Witness& witness, StepClock* clock = nullptr) {
+  LiveParts parts;
+  auto a = std::make_unique<VirtualAudio>(true);
+  auto b = std::make_unique<VirtualAudio>(true);
+  VirtualAudio* devices[] = {a.get(), b.get()};
+  parts.audio = {std::move(a), std::move(b)};
+  parts.afterSoundStep = [devices, clock] {
+    for (VirtualAudio* d : devices) d->Advance(125);
+    if (clock != nullptr) clock->Step();
+    return std::string();
+  };
+  parts.random = std::make_unique<SeededRandom>(kSeed);
+  parts.alsoTell = &witness;
+  return parts;
+}
+
+// Waits (a few seconds at most) until `done` holds.
+bool WaitFor(const std::function<bool()>& done) {
+  for (int i = 0; i < 2000; ++i) {
+    if (done()) return true;
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  }
+  return done();
+}
+
+// Each type's events in order, without their ticks: what was said, counted,
+// shown and written, whichever way the sound steps fell between the ticks.
+// Entries passed over as stale depend on that timing and are left out.
+std::map<std::string, std::vector<std::string>> Story(const std::vector<Event>& events,
+                                                      std::string_view until) {
+  std::map<std::string, std::vector<std::string>> story;
+  for (Event e : events) {
+    if (e.type == until) break;
+    if (e.type == "dropped") continue;
+    e.tick = 0;
+    story[e.type].push_back(EventJson(e));
+  }
+  return story;
+}
+
+int32_t StateTick(LiveProgram& program) {
+  const nlohmann::json state = program.feed().State();
+  return state.is_object() ? state.value("tick", 0) : 0;
+}
+
+TEST(LiveLoop, ARecordingFlownLiveSaysWhatReplaySays) {
+  const std::string text = GenerateScript(kTaxiScript);
+  Recording recording;
+  std::string error;
+  ASSERT_TRUE(ParseRecording("taxi", text, recording, error)) << error;
+  const int64_t ticks = recording.TotalTicks();
+
+  Witness witness;
+  LiveParts parts = TestParts(witness);
+  parts.recording = std::make_unique<RecordingFeed>(recording);
+  LiveProgram program(LiveSetup{DataRoot(), kSpeed}, std::move(parts));
+  std::thread loop([&] { EXPECT_EQ(program.Run(), 0); });
+  const bool ended = WaitFor([&] { return witness.ended.load(); });
+  program.Stop();
+  loop.join();
+  ASSERT_TRUE(ended) << "the recording was not flown to its end";
+
+  const std::vector<Event> live = witness.Events();
+  const std::vector<Event> replayed = ReplayText(text, {DataRoot(), kSeed, true}).events;
+  EXPECT_EQ(Story(live, "end"), Story(replayed, "end"));
+  EXPECT_GE(program.loop().Fired(LiveTimer::FSPoll), ticks);
+  EXPECT_GE(program.loop().Fired(LiveTimer::SoundTimer), program.loop().Fired(LiveTimer::FSPoll));
+
+  // The app's stream carries every event as its JSON line, in order, and
+  // the state document the last tick.
+  const std::vector<FeedLine> lines = program.feed().LinesAfter(0, std::chrono::milliseconds(0));
+  ASSERT_EQ(lines.size(), std::min(live.size(), LiveFeed::kKeptLines));
+  const size_t skipped = live.size() - lines.size();
+  for (size_t i = 0; i < lines.size(); ++i) EXPECT_EQ(lines[i].json, EventJson(live[skipped + i]));
+  EXPECT_EQ(StateTick(program), replayed.back().tick);
+  EXPECT_EQ(program.feed().State().value("status", ""), "Status: The recording is finished");
+}
+
+TEST(LiveLoop, PostedWorkRunsOnTheLoopThreadInTheOrderPosted) {
+  Witness witness;
+  LiveProgram program(LiveSetup{DataRoot(), kSpeed}, TestParts(witness));
+  std::thread loop([&] { program.Run(); });
+  std::vector<std::pair<int, std::thread::id>> ran;  // touched on the loop thread only
+  std::thread app([&] {
+    for (int i = 1; i <= 3; ++i)
+      program.mailbox().Post(
+          [&ran, i](Instructor&) { ran.emplace_back(i, std::this_thread::get_id()); });
+  });
+  app.join();
+  const std::optional<nlohmann::json> answer = program.mailbox().Ask(
+      [&](Instructor& in) {
+        return nlohmann::json{{"ran", ran.size()}, {"tick", in.flight.TickCount}};
+      },
+      std::chrono::seconds(5));
+  program.Stop();
+  loop.join();
+  ASSERT_TRUE(answer.has_value());
+  EXPECT_EQ((*answer)["ran"], 3) << "posted work runs before the question asked after it";
+  ASSERT_EQ(ran.size(), 3u);
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ(ran[i].first, i + 1);
+    EXPECT_EQ(ran[i].second, program.loop().LoopThread());
+  }
+  EXPECT_NE(program.loop().LoopThread(), std::this_thread::get_id());
+}
+
+std::vector<fs::path> FilesEndingIn(const fs::path& folder, const std::string& ending) {
+  std::vector<fs::path> out;
+  std::error_code ec;
+  for (fs::recursive_directory_iterator it(folder, ec), end; !ec && it != end; it.increment(ec)) {
+    const std::string name = it->path().string();
+    if (name.size() > ending.size() && name.ends_with(ending)) out.push_back(it->path());
+  }
+  return out;
+}
+
+TEST(LiveLoop, ConnectAndDisconnectFromTheAppAndTheFlightsRecordingReplays) {
+  const fs::path folder = fs::temp_directory_path() / ("vantoro-live-" + std::to_string(getpid()));
+  fs::remove_all(folder);
+  const std::string root = MakeVoiceRoot(folder.string(), "Jim", {});
+  // The simulator as the taxi script has it after a few seconds.
+  OffsetImage image;
+  testing::ForEachTick(GenerateScript(kTaxiScript), [&](const OffsetImage& now, int64_t tick) {
+    if (tick == 20) image = now;
+  });
+
+  Witness witness;
+  auto clock = std::make_unique<StepClock>();
+  LiveParts parts = TestParts(witness, clock.get());
+  parts.sim = std::make_unique<ImageLink>(image);
+  parts.clock = std::move(clock);
+  LiveProgram program(LiveSetup{root, kSpeed}, std::move(parts));
+  std::thread loop([&] { program.Run(); });
+  program.mailbox().Post([](Instructor& in) { in.Connect(); });
+  ASSERT_TRUE(WaitFor([&] { return StateTick(program) >= 6; })) << "no ticks after Connect";
+
+  // While the flight is open its recording is readable up to the last second
+  // written: a program that dies now keeps all but that second.
+  const fs::path recordings = fs::path(root) / "Recordings";
+  Recording partial;
+  std::string error;
+  EXPECT_TRUE(WaitFor([&] {
+    const std::vector<fs::path> open = FilesEndingIn(recordings, ".vrec.gz.part");
+    return open.size() == 1 && LoadRecording(open[0].string(), partial, error) &&
+           partial.TotalTicks() > 0;
+  })) << error;
+
+  program.mailbox().Post([](Instructor& in) { in.Disconnect(); });
+  ASSERT_TRUE(WaitFor([&] {
+    return FilesEndingIn(recordings, ".vrec.gz.part").empty() &&
+           FilesEndingIn(recordings, ".vrec.gz").size() == 1;
+  })) << "Disconnect did not close the flight's recording";
+  program.Stop();
+  loop.join();
+  EXPECT_FALSE(program.instructor().flight.UserConnected);
+
+  const fs::path kept = FilesEndingIn(recordings, ".vrec.gz")[0];
+  EXPECT_EQ(static_cast<unsigned char>(ReadFile(kept.string())[0]), 0x1F) << "gzip";
+  Recording recorded;
+  ASSERT_TRUE(LoadRecording(kept.string(), recorded, error)) << error;
+  std::string recordedText;
+  ASSERT_TRUE(Gunzip(ReadFile(kept.string()), recordedText));
+  const std::vector<Event> replayed = ReplayText(recordedText, {root, kSeed, true}).events;
+  const auto story = Story(witness.Events(), "disconnect");
+  EXPECT_EQ(story, Story(replayed, "end"));
+  EXPECT_TRUE(story.count("status") && story.count("mode") && story.count("spoken"))
+      << "the flight told nothing worth comparing";
+  fs::remove_all(folder);
+}
+
+TEST(LiveLoop, ARecordingLeftOpenByAProgramThatDiedIsKept) {
+  const fs::path folder = fs::temp_directory_path() / ("vantoro-open-" + std::to_string(getpid()));
+  fs::create_directories(folder / "PilotRoster");
+  const fs::path open = folder / "PilotRoster" / "Jo 2026-06-14 09-30-00.vrec.gz.part";
+  ASSERT_TRUE(WriteFileAtomic(open.string(), Gzip("vantoro-recording 1\ntick\n")));
+  const std::vector<std::string> kept = RecoverOpenRecordings(folder.string());
+  ASSERT_EQ(kept.size(), 1u);
+  EXPECT_EQ(fs::path(kept[0]).filename(), "Jo 2026-06-14 09-30-00.vrec.gz");
+  EXPECT_FALSE(fs::exists(open));
+  fs::remove_all(folder);
+}
+
+TEST(LiveLoop, TheDataRootBesideTheProgramOrThePilotsOwn) {
+  const fs::path folder = fs::temp_directory_path() / ("vantoro-root-" + std::to_string(getpid()));
+  fs::create_directories(folder / "shipped");
+  fs::create_directories(folder / "own");
+  const std::string shipped = (folder / "shipped").string();
+  const std::string own = (folder / "own").string();
+  const std::string none = (folder / "none").string();
+  struct Case {
+    std::string shipped, user, root;
+    bool fails;
+  };
+  const Case cases[] = {
+      {shipped, own, shipped, false},  // writable beside the program
+      {"", own, own, false},           // nothing beside the program
+      {none, own, own, false},        {"", "", "", true},
+      {none, none, "", true},  // nothing to copy from
+  };
+  for (const Case& c : cases) {
+    std::string note, error;
+    EXPECT_EQ(ChooseDataRoot(c.shipped, c.user, note, error), c.root) << c.shipped << " " << c.user;
+    EXPECT_EQ(!error.empty(), c.fails) << error;
+  }
+  fs::remove_all(folder);
+}
+
+}  // namespace
+}  // namespace vantoro
