@@ -151,6 +151,9 @@ void WayPointCheck(Cockpit& c) {
   const int32_t count = FlightPlanCount(plan);
   if (count <= 1) return;
   const FSData& now = c.link.Now();
+  // Only a flying aircraft follows the route: on the first ticks, before the
+  // ground latch is set, a round trip's last point lies at the parking spot.
+  if (now.OnGround != 0) return;
   const double passing = RouteMiles(c, kPassingMiles);
   for (int32_t i = 1; i < count; ++i) {
     Waypoint& w = plan.Waypoints[static_cast<size_t>(i)];
