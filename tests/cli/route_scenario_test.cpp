@@ -54,6 +54,11 @@ TEST(RouteScenario, TheDemoFlightIsCoachedAlongItsPlan) {
   ASSERT_EQ(route.size(), 1u);
   EXPECT_EQ(route[0].Int("crossed"), 3);
   EXPECT_EQ(route[0].Int("in_sequence"), 2);
+  // The plan's destination picks the landing runway on the way down.
+  const std::vector<Event> runways = log.OfType("runway");
+  ASSERT_FALSE(runways.empty());
+  EXPECT_EQ(runways.back().Text("ident"), "EGTK 01");
+  EXPECT_EQ(runways.back().Text("reason"), "plan");
   const std::vector<Event> flight = log.OfType("flight");
   ASSERT_EQ(flight.size(), 1u);
 }
