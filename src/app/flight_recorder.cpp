@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "base/files.h"
+#include "base/gzip.h"
 #include "records/flight_log.h"
 #include "shell/instructor.h"
 
@@ -109,7 +110,7 @@ bool FlightRecorder::Flush() {
   if (text.empty()) return true;
   // Each flush is one whole gzip member: a reader takes the members one
   // after the other as one text, and a file cut after any of them is whole.
-  const std::string member = Gzip(text);
+  const std::string member = GzipText(text);
   return std::fwrite(member.data(), 1, member.size(), file_) == member.size() &&
          std::fflush(file_) == 0;
 }

@@ -60,13 +60,11 @@ void StandInHost::Loop() {
   std::string error;
   LoadRecording(setup_.recording, recording, error);
   FeedEvents events(feed);
-  Replay replay(ReplaySetup{setup_.root, 1, false}, events);
+  ReplaySetup replaySetup;
+  replaySetup.root = setup_.root;
+  replaySetup.pilot = setup_.pilot;
+  Replay replay(replaySetup, events);
   Instructor& in = replay.instructor();
-  if (!setup_.pilot.empty()) {
-    LoadPilotData(setup_.pilot, in.pilot, in.sound, in.options);
-    in.scores.PilotFile = in.pilot.CurrentPilotFile;
-    in.settings.PilotFile = in.pilot.CurrentPilotFile;
-  }
   feed.PublishState(LiveState(in));
 
   // Waits out the pace of one tick, running what the app posts meanwhile.

@@ -17,6 +17,7 @@
 #include "app/flight_recorder.h"
 #include "app/live_program.h"
 #include "base/files.h"
+#include "base/gzip.h"
 #include "cli/event_writers.h"
 #include "link/recording.h"
 #include "support/scenario.h"
@@ -149,7 +150,7 @@ TEST(LiveLoop, ARecordingFlownLiveSaysWhatReplaySays) {
   ASSERT_TRUE(ended) << "the recording was not flown to its end";
 
   const std::vector<Event> live = witness.Events();
-  const std::vector<Event> replayed = ReplayText(text, {DataRoot(), kSeed, true}).events;
+  const std::vector<Event> replayed = ReplayText(text, {DataRoot(), kSeed, true, ""}).events;
   EXPECT_EQ(Story(live, "end"), Story(replayed, "end"));
   EXPECT_GE(program.loop().Fired(LiveTimer::FSPoll), ticks);
   EXPECT_GE(program.loop().Fired(LiveTimer::SoundTimer), program.loop().Fired(LiveTimer::FSPoll));
@@ -247,8 +248,8 @@ TEST(LiveLoop, ConnectAndDisconnectFromTheAppAndTheFlightsRecordingReplays) {
   Recording recorded;
   ASSERT_TRUE(LoadRecording(kept.string(), recorded, error)) << error;
   std::string recordedText;
-  ASSERT_TRUE(Gunzip(ReadFile(kept.string()), recordedText));
-  const std::vector<Event> replayed = ReplayText(recordedText, {root, kSeed, true}).events;
+  ASSERT_EQ(InflateLimited(ReadFile(kept.string()), recordedText), InflateResult::Ok);
+  const std::vector<Event> replayed = ReplayText(recordedText, {root, kSeed, true, ""}).events;
   const auto story = Story(witness.Events(), "disconnect");
   EXPECT_EQ(story, Story(replayed, "end"));
   EXPECT_TRUE(story.count("status") && story.count("mode") && story.count("spoken"))
@@ -260,7 +261,7 @@ TEST(LiveLoop, ARecordingLeftOpenByAProgramThatDiedIsKept) {
   const fs::path folder = fs::temp_directory_path() / ("vantoro-open-" + std::to_string(getpid()));
   fs::create_directories(folder / "PilotRoster");
   const fs::path open = folder / "PilotRoster" / "Jo 2026-06-14 09-30-00.vrec.gz.part";
-  ASSERT_TRUE(WriteFileAtomic(open.string(), Gzip("vantoro-recording 1\ntick\n")));
+  ASSERT_TRUE(WriteFileAtomic(open.string(), GzipText("vantoro-recording 1\ntick\n")));
   const std::vector<std::string> kept = RecoverOpenRecordings(folder.string());
   ASSERT_EQ(kept.size(), 1u);
   EXPECT_EQ(fs::path(kept[0]).filename(), "Jo 2026-06-14 09-30-00.vrec.gz");

@@ -124,7 +124,10 @@ nlohmann::json RecordedFlight(const std::string& recordingPath, const std::strin
   std::vector<RunwayAtTouchdown> runways;
   NoEvents quiet;
   try {
-    Replay replay(ReplaySetup{root, 1, true}, quiet);
+    ReplaySetup setup;
+    setup.root = root;
+    setup.instant = true;
+    Replay replay(setup, quiet);
     Instructor& in = replay.instructor();
     RecordingStep one;
     one.kind = RecordingStep::Kind::Tick;
