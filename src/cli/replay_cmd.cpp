@@ -1,4 +1,4 @@
-// vantoro-cli replay RECORDING [--root DIR] [--pilot FILE] [--out DIR]
+// vantoro-cli replay RECORDING [--root DIR] [--pilot FILE] [--plan FILE] [--out DIR]
 //                              [--events FILE|-] [--seed N] [--instant]
 // Replays a recording through the whole instructor and tells what it did: a
 // transcript, or JSON lines with --events. Everything is checked before
@@ -18,6 +18,7 @@
 #include "cli/replay.h"
 #include "link/recording.h"
 #include "shell/startup.h"
+#include "world/flight_plan.h"
 
 namespace fs = std::filesystem;
 
@@ -29,6 +30,7 @@ struct ReplayArgs {
   std::string recording;
   std::string root;
   std::string pilot;
+  std::string plan;
   std::string out;
   std::string events;
   uint64_t seed = 1;
@@ -54,6 +56,7 @@ int ReplayCommand(const CommandArgs& args, CliContext& cli) {
   app.add_option("--root", a.root,
                  "program root folder (default: the data folder beside the program)");
   app.add_option("--pilot", a.pilot, "pilot file to fly with (default: the settings' last pilot)");
+  app.add_option("--plan", a.plan, "a flight plan (either form) loaded before the first tick");
   app.add_option("--out", a.out, "folder for the pilot's copy, flight log and log book");
   app.add_option("--events", a.events, "events as JSON lines to FILE (- for standard output)");
   app.add_option("--seed", a.seed, "seed of the random draws");
@@ -90,6 +93,18 @@ int ReplayCommand(const CommandArgs& args, CliContext& cli) {
   } else if (!FileExists(pilot)) {
     cli.err << "vantoro-cli replay: no such pilot file " << pilot << '\n';
     return kExitBadInput;
+  }
+  // The plan is read as the flight plan page reads it; a plan that cannot be
+  // read whole stops the replay before anything runs.
+  FlightPlan plan;
+  if (!a.plan.empty()) {
+    Notices notices;
+    if (!ProcessFlightPlan(a.plan, plan, &notices)) {
+      cli.err << "vantoro-cli replay: no such flight plan " << a.plan << '\n';
+      return kExitBadInput;
+    }
+    for (const Notice& n : notices) cli.err << NoticeText(n) << '\n';
+    if (!notices.empty()) return kExitBadInput;
   }
   if (!a.events.empty() && a.events != "-") {
     const fs::path folder = fs::path(a.events).parent_path();
@@ -144,6 +159,8 @@ int ReplayCommand(const CommandArgs& args, CliContext& cli) {
     for (const Notice& n : replay->StartupNotices())
       cli.err << "vantoro-cli replay: " << NoticeText(n) << '\n';
     if (replay->PilotFailed()) return kExitBadInput;
+    // Loaded before the first tick, as if chosen on the flight plan page.
+    replay->instructor().plan = plan;
     if (a.events.empty()) {
       transcript = std::make_unique<Transcript>(cli.out, replay->VirtualMs());
       fan.Add(transcript.get());

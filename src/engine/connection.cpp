@@ -8,6 +8,7 @@
 #include "base/files.h"
 #include "engine/tick_rules.h"
 #include "records/flight_stats.h"
+#include "world/flight_plan.h"
 #include "world/profiles.h"
 #include "world/vors.h"
 
@@ -209,7 +210,8 @@ void DisconnectFromFS(Cockpit& c, int reason, std::string_view cause) {
   FlightState& f = c.flight;
   if (reason != 0) {
     // The stored text of the last connection goes to the log book view here
-    // (flight log), and the flight plan is cleared (flight plans).
+    // (flight log).
+    cmdClearFlightPlan_Click(c.plan);
   }
   f.FlightStarted = false;
   f.UserConnected = false;
