@@ -158,6 +158,7 @@ TEST(RunwayChoice, TheApproachTakesTheTunedILSThenTheRunwayAheadAndNeverWaterFor
     int heading;        // the direction flown
     bool ilsTuned, floatPlane;
     std::string runway, reason, obs;  // obs: the NAV1 OBS the instructor writes
+    std::string plan = "";            // the flight plan's destination
   };
   // clang-format off
   const std::vector<Row> rows = {
@@ -165,6 +166,7 @@ TEST(RunwayChoice, TheApproachTakesTheTunedILSThenTheRunwayAheadAndNeverWaterFor
       {"the same, not tuned: the runway ahead", 3, 90, false, false, "PHNL 08L", "ahead", "5A00"},
       {"flying north past the seaplane lanes, not tuned", 2.5, 0, false, false, "PHNL 04R", "wind", "3500"},
       {"the same in a float plane", 2.5, 0, false, true, "QPHB 36", "wind", "6801"},
+      {"the float plane's plan ends at Honolulu", 2.5, 0, false, true, "PHNL 04R", "plan", "3500", "PHNL"},
   };
   // clang-format on
   for (const Row& row : rows) {
@@ -172,6 +174,7 @@ TEST(RunwayChoice, TheApproachTakesTheTunedILSThenTheRunwayAheadAndNeverWaterFor
     FlightRig rig;
     WriteFile(rig.dir_ / "FSX.RWY", kHonolulu);
     rig.instructor.aircraft.Raw.FloatPlane = row.floatPlane;
+    rig.instructor.plan.FlightPlanDestination = row.plan;
     rig.image.SetU16(0x0EF2, 0);  // a north wind: Pearl Harbor's 36 faces it
     rig.image.SetU16(0x0EF0, 10);
     if (row.ilsTuned) rig.image.SetU16(0x0350, 0x1170);  // NAV1 on 111.70
