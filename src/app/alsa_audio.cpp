@@ -107,7 +107,11 @@ double VolumeGain(int volume) {
 AlsaAudioOut::AlsaAudioOut(std::string systemDefault)
     : systemDefault_(std::move(systemDefault)), device_(systemDefault_) {
   snd_lib_error_set_handler(QuietAlsa);
-  devices_ = ListOutputDevices();
+}
+
+const std::vector<std::string>& AlsaAudioOut::Devices() const {
+  if (!devices_) devices_ = ListOutputDevices();
+  return *devices_;
 }
 
 AlsaAudioOut::~AlsaAudioOut() {
@@ -118,14 +122,14 @@ AlsaAudioOut::~AlsaAudioOut() {
 
 std::string AlsaAudioOut::DeviceName(int index) const {
   if (index < 0 || index >= DeviceCount()) return {};
-  return devices_[static_cast<size_t>(index)];
+  return Devices()[static_cast<size_t>(index)];
 }
 
 void AlsaAudioOut::SetDevice(int index) {
   if (index < 0) {
     device_ = systemDefault_;
   } else if (index < DeviceCount()) {
-    device_ = devices_[static_cast<size_t>(index)];
+    device_ = Devices()[static_cast<size_t>(index)];
   } else {
     device_ = systemDefault_;
     Report("Sound: device " + std::to_string(index) + " is not there; playing on " +

@@ -40,8 +40,9 @@ class AlsaAudioOut final : public AudioOut {
   AlsaAudioOut(const AlsaAudioOut&) = delete;
   AlsaAudioOut& operator=(const AlsaAudioOut&) = delete;
 
-  // The output devices ALSA lists (their ALSA names), read at construction.
-  int DeviceCount() const override { return static_cast<int>(devices_.size()); }
+  // The output devices ALSA lists (their ALSA names), read when first asked
+  // for, so that the program's start does not wait for ALSA.
+  int DeviceCount() const override { return static_cast<int>(Devices().size()); }
   std::string DeviceName(int index) const override;
   // A device no longer in the list is reported and the default taken.
   void SetDevice(int index) override;
@@ -65,9 +66,10 @@ class AlsaAudioOut final : public AudioOut {
   void SilentFor(int64_t milliseconds);
   void Report(std::string problem);
   void Join();
+  const std::vector<std::string>& Devices() const;
 
   std::string systemDefault_;
-  std::vector<std::string> devices_;
+  mutable std::optional<std::vector<std::string>> devices_;
   std::string device_;
   std::atomic<double> gain_{1.0};
   std::thread thread_;
