@@ -63,7 +63,7 @@ void LiveLoop::Run() {
       woken_ = false;
       if (stopping_) break;
     }
-    mailbox_.RunPending(instructor_);
+    if (mailbox_.RunPending(instructor_) > 0 && afterPosted_) afterPosted_(instructor_);
     const Clock::time_point now = Clock::now();
     if (now < timer.due) continue;  // woken for posted work only
     if (timer.body) timer.body(instructor_);

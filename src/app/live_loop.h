@@ -11,6 +11,7 @@
 #include <functional>
 #include <mutex>
 #include <thread>
+#include <utility>
 
 #include "app/live_bridge.h"
 
@@ -40,6 +41,9 @@ class LiveLoop {
 
   // The body of a timer; a timer without one only runs the posted work.
   void SetBody(LiveTimer timer, Body body);
+  // Runs after posted work has run (the app changed something: its state
+  // document is published again).
+  void SetAfterPosted(Body body) { afterPosted_ = std::move(body); }
 
   // Runs the timers on the calling thread until Stop. All timers are due at
   // once at the start, in the order FSPoll, SoundTimer, RemoteTimer,
@@ -68,6 +72,7 @@ class LiveLoop {
   Instructor& instructor_;
   Mailbox& mailbox_;
   std::array<Timer, 4> timers_;
+  Body afterPosted_;
   std::array<long, 4> fired_{};
   std::mutex mutex_;
   std::condition_variable wake_;

@@ -6,11 +6,10 @@
 #include "base/failure.h"
 #include "base/files.h"
 #include "base/registry.h"
-#include "cli/event_writers.h"
 #include "engine/polling.h"
 #include "engine/tick_rules.h"
 #include "link/platform_link.h"
-#include "shell/pilot.h"
+#include "shell/event_json.h"
 #include "voice/sound_queue.h"
 
 namespace vantoro {
@@ -20,8 +19,17 @@ namespace {
 // The status line once a recording flown through the program has no tick left.
 constexpr const char* kRecordingFinished = "Status: The recording is finished";
 
+// The simulator the delivered world is read for before any has connected.
+constexpr const char* kDeliveredWorldSim = "FSX";
+
 uint64_t SeedFromTime() {
   return static_cast<uint64_t>(std::chrono::system_clock::now().time_since_epoch().count()) | 1u;
+}
+
+// No simulator folder is set: whichever simulator connects flies over the
+// delivered world.
+bool NoSimulatorFolder(const EngineOptions& o) {
+  return o.FS2002Folder.empty() && o.FS2004Folder.empty() && o.FSXFolder.empty();
 }
 
 }  // namespace
@@ -59,10 +67,12 @@ LiveProgram::LiveProgram(const LiveSetup& setup, LiveParts parts)
         }
         return std::make_unique<Instructor>(setup.root, seams);
       }()),
-      loop_(*instructor_, mailbox_, setup.speed) {
+      loop_(*instructor_, mailbox_, setup.speed),
+      registry_(MakePlatformRegistry()) {
   if (tap_ && parts_.record)
     recorder_ = std::make_unique<FlightRecorder>(
         *tap_, parts_.clock ? *parts_.clock : static_cast<const Clock&>(systemClock_));
+  loop_.SetAfterPosted([this](Instructor&) { PublishState(); });
   loop_.SetBody(LiveTimer::FSPoll, [this](Instructor& in) { PollTick(in); });
   loop_.SetBody(LiveTimer::SoundTimer, [this](Instructor& in) {
     in.SoundStep();
@@ -84,35 +94,36 @@ LiveProgram::~LiveProgram() {
   feed_.Close();
 }
 
-void LiveProgram::Notice(const std::string& text) {
+void LiveProgram::Note(const std::string& text) {
   events_.Emit(instructor_->flight.TickCount, "notice", {{"text", text}});
 }
 
-void LiveProgram::StartUp() {
+void LiveProgram::Tell(const Notice& n) {
+  events_.Emit(instructor_->flight.TickCount, "notice",
+               {{"text", NoticeText(n)}, {"file", n.file}});
+}
+
+void LiveProgram::StartUp(std::string_view pilotFile) {
   Instructor& in = *instructor_;
-  std::unique_ptr<Registry> registry = MakePlatformRegistry();
-  const std::string problems =
-      LoadSettingsAndPilot(in.root, *registry, in.settings, in.pilot, in.sound, in.options);
-  for (size_t start = 0; start < problems.size();) {
-    const size_t end = problems.find('\n', start);
-    const std::string line = problems.substr(start, end - start);
-    if (!line.empty()) Notice(line);
-    if (end == std::string::npos) break;
-    start = end + 1;
-  }
-  in.scores.PilotFile = in.pilot.CurrentPilotFile;
+  startup_ = std::make_unique<Startup>(in, *registry_);
+  startup_->Run(pilotFile);
+  for (const Notice& n : startup_->notices()) Tell(n);
   {
     Voice v{in.sound,
             {parts_.audio[0].get(), parts_.audio[1].get()},
             nullptr,
             events_,
             in.flight.TickCount};
-    SelectSoundCard(v, LoadSoundCard(in.sound));
+    SelectSoundCard(v, in.sound.SoundCard);
     SetInstructorVolume(v, in.sound.InstructorVolume);
   }
+  // Without a simulator folder in the settings every simulator flies over
+  // the delivered world: it is read now, off the loop thread, and taken in
+  // by the tick once it is there (a connection before then reads it itself).
+  if (NoSimulatorFolder(in.options)) world_ = startup_->OpenWorldInBackground(kDeliveredWorldSim);
   if (recorder_)
     for (const std::string& file : RecoverOpenRecordings(NativePath(in.root)))
-      Notice("A flight's recording left open has been kept: " + file);
+      Note("A flight's recording left open has been kept: " + file);
   // The first attempt at the simulator, so that the status line tells at
   // once whether one is there; a recording connects before its first tick.
   if (!parts_.recording) {
@@ -122,14 +133,20 @@ void LiveProgram::StartUp() {
   PublishState();
 }
 
+void LiveProgram::TakeWorldWhenLoaded() {
+  if (!world_.valid() || world_.wait_for(std::chrono::seconds(0)) != std::future_status::ready)
+    return;
+  const size_t before = startup_->notices().size();
+  startup_->TakeWorld(world_.get());
+  for (size_t i = before; i < startup_->notices().size(); ++i) Tell(startup_->notices()[i]);
+}
+
 void LiveProgram::PublishState() {
   feed_.PublishState(stateOf(*instructor_));
 }
 
 void LiveProgram::PollTick(Instructor& in) {
-  // The pilot on the page is the one whose log the flight goes to.
-  if (in.scores.PilotFile != in.pilot.CurrentPilotFile)
-    in.scores.PilotFile = in.pilot.CurrentPilotFile;
+  TakeWorldWhenLoaded();
   if (RecordingFeed* recording = parts_.recording.get()) {
     if (!recording->BeforeTick(in)) {
       if (!recordingEnded_) {
@@ -151,7 +168,7 @@ void LiveProgram::PollTick(Instructor& in) {
   in.Tick();
   if (parts_.recording) parts_.recording->AfterTick();
   if (recorder_)
-    if (std::string problem = recorder_->AfterTick(in); !problem.empty()) Notice(problem);
+    if (std::string problem = recorder_->AfterTick(in); !problem.empty()) Note(problem);
   PublishState();
 }
 

@@ -7,10 +7,12 @@
 
 #include <array>
 #include <functional>
+#include <future>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "app/flight_recorder.h"
 #include "app/live_bridge.h"
@@ -19,6 +21,7 @@
 #include "base/events.h"
 #include "base/seams.h"
 #include "shell/instructor.h"
+#include "shell/startup.h"
 
 namespace vantoro {
 
@@ -71,11 +74,14 @@ class LiveProgram {
   LiveProgram(const LiveProgram&) = delete;
   LiveProgram& operator=(const LiveProgram&) = delete;
 
-  // The start-up, before the loop: settings and the last pilot, the sound
-  // device, recordings a program that died left open, then the first
-  // attempt at the simulator so the status line is right at once. What went
-  // wrong is told as "notice" events; the program starts all the same.
-  void StartUp();
+  // The start-up, before the loop, in the program's one order (Startup):
+  // settings, captions, voices and the sound device, the pilot, aircraft
+  // data; the world in the background; recordings a program that died left
+  // open; then the first attempt at the simulator so the status line is
+  // right at once. What went wrong is told as "notice" events; the program
+  // starts all the same.
+  // `pilotFile` names the pilot to fly with; empty takes the settings' last.
+  void StartUp(std::string_view pilotFile = {});
 
   // Runs the loop until Stop. Returns 0, or 70 after the standard failure
   // report (told as an "error" event and kept in failure()).
@@ -96,7 +102,9 @@ class LiveProgram {
 
  private:
   void PollTick(Instructor& in);
-  void Notice(const std::string& text);
+  void Note(const std::string& text);
+  void Tell(const Notice& n);
+  void TakeWorldWhenLoaded();
   void PublishState();
 
   LiveParts parts_;
@@ -109,6 +117,9 @@ class LiveProgram {
   std::unique_ptr<Instructor> instructor_;
   std::unique_ptr<FlightRecorder> recorder_;
   LiveLoop loop_;
+  std::unique_ptr<Registry> registry_;
+  std::unique_ptr<Startup> startup_;
+  std::future<WorldLoad> world_;
   bool recordingConnected_ = false;
   bool recordingEnded_ = false;
   std::optional<std::string> failure_;

@@ -27,4 +27,9 @@ std::string FailureReport::Report() const {
   return what();
 }
 
+FailureReport FileFailure(std::string_view problem, std::string_view location) {
+  return FailureReport(kErrPathAccess, "Path/File access error", std::string(location),
+                       "\n" + std::string(problem));
+}
+
 }  // namespace vantoro

@@ -5,6 +5,7 @@
 
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 namespace vantoro {
 
@@ -30,5 +31,9 @@ inline constexpr long kErrInvalidCall = 5;    // an invalid argument (a negative
 inline constexpr long kErrOutOfRange = 9;     // subscript out of range
 inline constexpr long kErrFileNotFound = 53;  // a file the program needs is missing
 inline constexpr long kErrPathAccess = 75;    // a file or folder cannot be written
+
+// The failure report of a file that cannot be read or written: the access
+// error, then a line naming the file and the system's reason.
+FailureReport FileFailure(std::string_view problem, std::string_view location);
 
 }  // namespace vantoro

@@ -1,10 +1,9 @@
 #include "base/files.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <system_error>
 
 #include "base/text.h"
@@ -23,6 +22,23 @@ size_t LastSep(std::string_view path) {
   for (size_t i = path.size(); i > 0; --i)
     if (IsSep(path[i - 1])) return i - 1;
   return std::string_view::npos;
+}
+
+std::string SystemReason(int error) {
+  return std::generic_category().message(error);
+}
+
+// Writes the bytes to a new file and closes it; the system's error number on
+// failure (a full disk shows at the write or at the close), 0 on success.
+int WriteWhole(const fs::path& path, std::string_view bytes) {
+  std::FILE* f = std::fopen(path.string().c_str(), "wb");
+  if (f == nullptr) return errno != 0 ? errno : EIO;
+  int error = 0;
+  if (!bytes.empty() && std::fwrite(bytes.data(), 1, bytes.size(), f) != bytes.size())
+    error = errno != 0 ? errno : EIO;
+  if (std::fflush(f) != 0 && error == 0) error = errno != 0 ? errno : EIO;
+  if (std::fclose(f) != 0 && error == 0) error = errno != 0 ? errno : EIO;
+  return error;
 }
 
 }  // namespace
@@ -75,47 +91,84 @@ bool FolderExists(std::string_view path) {
 }
 
 std::string ReadFile(std::string_view path) {
-  auto found = FindNoCase(path);
-  if (!found) return {};
-  std::ifstream in(*found, std::ios::binary);
-  if (!in) return {};
-  return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+  return TryReadFile(path).value_or(std::string());
 }
 
-std::optional<std::string> TryReadFile(std::string_view path) {
+std::optional<std::string> TryReadFile(std::string_view path, std::string* why) {
+  if (why != nullptr) why->clear();
   auto found = FindNoCase(path);
+  if (!found) return std::nullopt;
+  auto fail = [&](const std::string& reason) -> std::optional<std::string> {
+    if (why != nullptr) *why = std::string(path) + ": cannot be read (" + reason + ")";
+    return std::nullopt;
+  };
   std::error_code ec;
-  if (!found || !fs::is_regular_file(*found, ec)) return std::nullopt;
-  std::ifstream in(*found, std::ios::binary);
-  if (!in) return std::nullopt;
-  std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-  if (in.bad()) return std::nullopt;
+  if (!fs::is_regular_file(*found, ec)) return fail(ec ? ec.message() : "not a file");
+  std::FILE* f = std::fopen(found->c_str(), "rb");
+  if (f == nullptr) return fail(SystemReason(errno));
+  std::string bytes;
+  char buffer[64 * 1024];
+  size_t n = 0;
+  while ((n = std::fread(buffer, 1, sizeof buffer, f)) > 0) bytes.append(buffer, n);
+  const int error = std::ferror(f) ? errno : 0;
+  std::fclose(f);
+  if (error != 0) return fail(SystemReason(error));
   return bytes;
 }
 
 bool WriteFileAtomic(std::string_view path, std::string_view bytes) {
-  const fs::path target(NativePath(path));
-  fs::path tmp = target;
-  tmp += ".tmp~";
-  {
-    std::ofstream out(tmp, std::ios::binary | std::ios::trunc);
-    if (!out) return false;
-    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    out.flush();
-    if (!out) {
-      out.close();
+  return WriteFilesTogether({{std::string(path), std::string(bytes)}}).empty();
+}
+
+std::string WriteFilesTogether(const std::vector<FileWrite>& files) {
+  std::vector<fs::path> temporaries;
+  auto removeTemporaries = [&] {
+    std::error_code ec;
+    for (const fs::path& t : temporaries) fs::remove(t, ec);
+  };
+  // A folder where a file belongs would refuse only its rename, after the
+  // others are in place: it is found before anything is written.
+  for (const FileWrite& w : files) {
+    std::error_code ec;
+    if (fs::is_directory(NativePath(w.path), ec))
+      return w.path + ": cannot be written (" + SystemReason(EISDIR) + ")";
+  }
+  for (const FileWrite& w : files) {
+    fs::path tmp(NativePath(w.path));
+    tmp += kTemporarySuffix;
+    if (const int error = WriteWhole(tmp, w.bytes); error != 0) {
       std::error_code ec;
       fs::remove(tmp, ec);
-      return false;
+      removeTemporaries();
+      return w.path + ": cannot be written (" + SystemReason(error) + ")";
+    }
+    temporaries.push_back(tmp);
+  }
+  for (size_t i = 0; i < files.size(); ++i) {
+    std::error_code ec;
+    fs::rename(temporaries[i], NativePath(files[i].path), ec);
+    if (ec) {
+      // Only the ones not yet renamed are left to remove.
+      temporaries.erase(temporaries.begin(), temporaries.begin() + static_cast<long>(i));
+      removeTemporaries();
+      return files[i].path + ": cannot be written (" + ec.message() + ")";
     }
   }
+  return {};
+}
+
+int RemoveStrayTemporaries(std::string_view folder) {
+  auto found = FindNoCase(folder);
+  if (!found) return 0;
+  int removed = 0;
   std::error_code ec;
-  fs::rename(tmp, target, ec);
-  if (ec) {
-    fs::remove(tmp, ec);
-    return false;
+  for (fs::directory_iterator it(*found, ec), end; !ec && it != end; it.increment(ec)) {
+    std::error_code fileEc;
+    if (!it->is_regular_file(fileEc) || !EndsWith(it->path().filename().string(), kTemporarySuffix))
+      continue;
+    if (fs::remove(it->path(), fileEc)) ++removed;
   }
-  return true;
+  return removed;
 }
 
 std::vector<std::string> GetFolderList(std::string_view folder) {

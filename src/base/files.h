@@ -22,16 +22,37 @@ std::optional<std::string> FindNoCase(std::string_view path);
 bool FileExists(std::string_view path);    // a regular file, case ignored
 bool FolderExists(std::string_view path);  // a folder, case ignored
 
-// Whole file as bytes; empty when missing or unreadable.
+// Whole file as bytes; empty when missing or unreadable (a folder where the
+// file should be included).
 std::string ReadFile(std::string_view path);
 // Whole file as bytes, or nullopt when it is missing or cannot be read, so
-// that a caller can tell an empty file from a failed read.
-std::optional<std::string> TryReadFile(std::string_view path);
+// that a caller can tell an empty file from a failed read. `why`, when given,
+// receives "PATH: cannot be read (the system's reason)" for a file that is
+// there but cannot be read, and stays empty for a missing one.
+std::optional<std::string> TryReadFile(std::string_view path, std::string* why = nullptr);
 
 // Replaces the file with exactly these bytes: written to a temporary file in
 // the same folder and renamed over the old one, so that a crash mid-write
 // leaves either the old or the new file, never a torn one. False on failure.
 bool WriteFileAtomic(std::string_view path, std::string_view bytes);
+
+// One file of a set that is written together.
+struct FileWrite {
+  std::string path;
+  std::string bytes;
+};
+// Writes every file of the set or none: each goes to its temporary file
+// first, and only when all are written whole are they renamed over the old
+// ones. On failure the temporaries are removed, the old files stand, and the
+// answer names the file and the system's reason ("PATH: cannot be written (No
+// space left on device)"); empty on success.
+std::string WriteFilesTogether(const std::vector<FileWrite>& files);
+
+// The temporary files of those writes end in this.
+inline constexpr std::string_view kTemporarySuffix = ".tmp~";
+// Removes the temporary files a killed write left in a folder; the number
+// removed.
+int RemoveStrayTemporaries(std::string_view folder);
 
 // Names of the immediate subfolders (sorted, case-insensitively).
 std::vector<std::string> GetFolderList(std::string_view folder);

@@ -21,6 +21,20 @@ struct CliContext {
 
 using CommandArgs = std::vector<std::string>;
 
+}  // namespace vantoro
+
+namespace CLI {
+class App;
+}
+
+namespace vantoro {
+
+// Reads a command's options with the command's CLI11 description. --help
+// prints the command's usage to the output and gives status 0; a bad option
+// prints "vantoro-cli NAME: what is wrong" and where to find the usage, and
+// gives status 2. Returns true when the command is to go on.
+bool ParseCommandLine(CLI::App& app, const CommandArgs& args, CliContext& cli, int& status);
+
 // The data folder beside the program: the first folder named "data" in the
 // program's folder or above it (in a build tree, the source tree's data/).
 // Empty when there is none.

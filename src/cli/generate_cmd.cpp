@@ -1,6 +1,8 @@
 // vantoro-cli generate SCRIPT OUT.vrec[.gz]
 // Makes a recording from a flight script (see flightgen.cpp). A script error
 // is told as "FILE:LINE: what is wrong", status 2, and nothing is written.
+#include <CLI/CLI.hpp>
+
 #include "base/files.h"
 #include "base/gzip.h"
 #include "cli/commands.h"
@@ -10,12 +12,12 @@
 namespace vantoro {
 
 int GenerateCommand(const CommandArgs& args, CliContext& cli) {
-  if (args.size() != 2 || (!args[0].empty() && args[0][0] == '-')) {
-    cli.err << "vantoro-cli generate: usage: vantoro-cli generate SCRIPT OUT.vrec[.gz]\n";
-    return kExitBadInput;
-  }
-  const std::string& script = args[0];
-  const std::string& out = args[1];
+  std::string script, out;
+  CLI::App app("Makes a recording from a flight script.", "vantoro-cli generate");
+  app.add_option("SCRIPT", script, "the flight script")->required();
+  app.add_option("OUT", out, "the recording to write (.vrec, or .vrec.gz compressed)")->required();
+  int parsed = kExitOk;
+  if (!ParseCommandLine(app, args, cli, parsed)) return parsed;
   if (!FileExists(script)) {
     cli.err << script << ": no such flight script\n";
     return kExitBadInput;

@@ -3,7 +3,7 @@
 // link. Where no simulator can be linked to, the link's own text says so.
 #include "cli/record_cmd.h"
 
-#include <charconv>
+#include <CLI/CLI.hpp>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
@@ -100,35 +100,22 @@ int RecordCommand(const CommandArgs& args, CliContext& cli) {
   std::string out;
   std::string root;
   int64_t ticks = 0;
-  for (size_t i = 0; i < args.size(); ++i) {
-    const std::string& a = args[i];
-    if (a == "--root") {
-      if (i + 1 >= args.size()) {
-        cli.err << "vantoro-cli record: option --root needs a value\n";
-        return kExitBadInput;
-      }
-      root = args[++i];
-    } else if (a == "--ticks") {
-      const std::string text = i + 1 < args.size() ? args[++i] : std::string();
-      auto [p, ec] = std::from_chars(text.data(), text.data() + text.size(), ticks);
-      if (text.empty() || ec != std::errc() || p != text.data() + text.size() || ticks < 1) {
-        cli.err << "vantoro-cli record: --ticks needs a whole number above 0\n";
-        return kExitBadInput;
-      }
-    } else if (a.size() > 1 && a[0] == '-') {
-      cli.err << "vantoro-cli record: unknown option '" << a << "'\n";
-      return kExitBadInput;
-    } else if (out.empty()) {
-      out = a;
-    } else {
-      cli.err << "vantoro-cli record: one output file only\n";
-      return kExitBadInput;
-    }
-  }
-  if (out.empty()) {
-    cli.err << "vantoro-cli record: usage: vantoro-cli record OUT.vrec[.gz] [--ticks N]\n";
-    return kExitBadInput;
-  }
+  CLI::App app("Records the simulator's offsets twice a second until Ctrl+C.",
+               "vantoro-cli record");
+  app.add_option("OUT", out, "the recording to write (.vrec, or .vrec.gz compressed)")->required();
+  app.add_option("--ticks", ticks, "stop after N ticks")
+      ->check(CLI::Validator(
+          [](std::string& text) -> std::string {
+            return text.find_first_not_of("0123456789") == std::string::npos &&
+                           text.find_first_not_of('0') != std::string::npos
+                       ? std::string()
+                       : "needs a whole number above 0";
+          },
+          "N", "ticks"));
+  app.add_option("--root", root,
+                 "program root folder (default: the data folder beside the program)");
+  int parsed = kExitOk;
+  if (!ParseCommandLine(app, args, cli, parsed)) return parsed;
 
   // The program starts as it always does, so that the pilot hears of a
   // damaged settings file before he flies, not after.

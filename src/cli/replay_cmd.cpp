@@ -1,9 +1,9 @@
-// vantoro-cli replay RECORDING [--root DIR] [--pilot FILE] [--out DIR]
+// vantoro-cli replay RECORDING [--root DIR] [--pilot FILE] [--plan FILE] [--out DIR]
 //                              [--events FILE|-] [--seed N] [--instant]
 // Replays a recording through the whole instructor and tells what it did: a
 // transcript, or JSON lines with --events. Everything is checked before
 // anything is written: a bad recording or option ends with status 2.
-#include <charconv>
+#include <CLI/CLI.hpp>
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
@@ -18,6 +18,7 @@
 #include "cli/replay.h"
 #include "link/recording.h"
 #include "shell/startup.h"
+#include "world/flight_plan.h"
 
 namespace fs = std::filesystem;
 
@@ -29,57 +30,12 @@ struct ReplayArgs {
   std::string recording;
   std::string root;
   std::string pilot;
+  std::string plan;
   std::string out;
   std::string events;
   uint64_t seed = 1;
   bool instant = false;
 };
-
-bool ParseArgs(const CommandArgs& args, ReplayArgs& r, std::string& error) {
-  for (size_t i = 0; i < args.size(); ++i) {
-    const std::string& a = args[i];
-    auto value = [&](std::string& into) {
-      if (i + 1 >= args.size()) {
-        error = "option " + a + " needs a value";
-        return false;
-      }
-      into = args[++i];
-      return true;
-    };
-    if (a == "--root") {
-      if (!value(r.root)) return false;
-    } else if (a == "--pilot") {
-      if (!value(r.pilot)) return false;
-    } else if (a == "--out") {
-      if (!value(r.out)) return false;
-    } else if (a == "--events") {
-      if (!value(r.events)) return false;
-    } else if (a == "--seed") {
-      std::string text;
-      if (!value(text)) return false;
-      auto [p, ec] = std::from_chars(text.data(), text.data() + text.size(), r.seed);
-      if (text.empty() || ec != std::errc() || p != text.data() + text.size()) {
-        error = "--seed needs a whole number, not '" + text + "'";
-        return false;
-      }
-    } else if (a == "--instant") {
-      r.instant = true;
-    } else if (a.size() > 1 && a[0] == '-' && a != "-") {
-      error = "unknown option '" + a + "'";
-      return false;
-    } else if (r.recording.empty()) {
-      r.recording = a;
-    } else {
-      error = "one recording only ('" + a + "' is one too many)";
-      return false;
-    }
-  }
-  if (r.recording.empty()) {
-    error = "which recording? vantoro-cli replay RECORDING [options]";
-    return false;
-  }
-  return true;
-}
 
 std::string MakeTemporaryFolder() {
   std::error_code ec;
@@ -94,11 +50,20 @@ std::string MakeTemporaryFolder() {
 
 int ReplayCommand(const CommandArgs& args, CliContext& cli) {
   ReplayArgs a;
+  CLI::App app("Replays a recording through the whole instructor and tells what it did.",
+               "vantoro-cli replay");
+  app.add_option("RECORDING", a.recording, "the recording (.vrec or .vrec.gz)")->required();
+  app.add_option("--root", a.root,
+                 "program root folder (default: the data folder beside the program)");
+  app.add_option("--pilot", a.pilot, "pilot file to fly with (default: the settings' last pilot)");
+  app.add_option("--plan", a.plan, "a flight plan (either form) loaded before the first tick");
+  app.add_option("--out", a.out, "folder for the pilot's copy, flight log and log book");
+  app.add_option("--events", a.events, "events as JSON lines to FILE (- for standard output)");
+  app.add_option("--seed", a.seed, "seed of the random draws");
+  app.add_flag("--instant", a.instant, "every sound plays for 0 s");
+  int parsed = kExitOk;
+  if (!ParseCommandLine(app, args, cli, parsed)) return parsed;
   std::string error;
-  if (!ParseArgs(args, a, error)) {
-    cli.err << "vantoro-cli replay: " << error << '\n';
-    return kExitBadInput;
-  }
   Recording recording;
   if (!LoadRecording(a.recording, recording, error)) {
     cli.err << error << '\n';
@@ -128,6 +93,18 @@ int ReplayCommand(const CommandArgs& args, CliContext& cli) {
   } else if (!FileExists(pilot)) {
     cli.err << "vantoro-cli replay: no such pilot file " << pilot << '\n';
     return kExitBadInput;
+  }
+  // The plan is read as the flight plan page reads it; a plan that cannot be
+  // read whole stops the replay before anything runs.
+  FlightPlan plan;
+  if (!a.plan.empty()) {
+    Notices notices;
+    if (!ProcessFlightPlan(a.plan, plan, &notices)) {
+      cli.err << "vantoro-cli replay: no such flight plan " << a.plan << '\n';
+      return kExitBadInput;
+    }
+    for (const Notice& n : notices) cli.err << NoticeText(n) << '\n';
+    if (!notices.empty()) return kExitBadInput;
   }
   if (!a.events.empty() && a.events != "-") {
     const fs::path folder = fs::path(a.events).parent_path();
@@ -182,6 +159,8 @@ int ReplayCommand(const CommandArgs& args, CliContext& cli) {
     for (const Notice& n : replay->StartupNotices())
       cli.err << "vantoro-cli replay: " << NoticeText(n) << '\n';
     if (replay->PilotFailed()) return kExitBadInput;
+    // Loaded before the first tick, as if chosen on the flight plan page.
+    replay->instructor().plan = plan;
     if (a.events.empty()) {
       transcript = std::make_unique<Transcript>(cli.out, replay->VirtualMs());
       fan.Add(transcript.get());

@@ -12,14 +12,29 @@ constexpr int32_t kBeacon = 2;
 
 }  // namespace
 
-bool GiveAdvice(Cockpit& c, std::string_view file, int id, int gap, int expiry, int level) {
-  // The gate of PlayPerhaps: a family speaks again only once its gap has run.
-  const bool passes = c.sound.LastPlayed[static_cast<size_t>(id)] < c.flight.TickCount - gap;
+bool Advise(Cockpit& c, Delivery how, std::string_view file, int id, int gap, int expiry, int level,
+            FlightCounter occasion) {
   Voice v = c.voice();
-  PlayPerhaps(v, file, id, gap, expiry);
-  if (!passes) return false;
-  if (level > 0) ShowRemark(v, file, level);
+  bool given = true;
+  switch (how) {
+    case Delivery::Perhaps:
+      given = PlayPerhaps(v, file, id, gap, expiry);
+      break;
+    case Delivery::AtOnce:
+      given = PlayAndPurge(v, file, id, gap);
+      break;
+    case Delivery::Always:
+      PlayAlways(v, file);
+      break;
+  }
+  if (!given) return false;
+  if (level > kNoRemark) ShowRemark(v, file, level);
+  if (occasion != nullptr) Count(c.flight.Flight(), occasion, c.events, c.flight.TickCount);
   return true;
+}
+
+void CountTick(Cockpit& c, FlightCounter counter) {
+  Count(c.flight.Flight(), counter, c.events, c.flight.TickCount);
 }
 
 void ShowMessage(Cockpit& c, std::string_view text, int seconds) {

@@ -124,8 +124,8 @@ void Ballooning(Cockpit& c) {
   if (!(before.AGL >= kBalloonFrom && c.flight.Modes.Landing && now.AGL < kBalloonBelow &&
         now.AGL > before.AGL + kBalloonRise))
     return;
-  GiveAdvice(c, "Ballooning.wav", 107, 30, 1, 2);
-  Count(c.flight.Flight(), &FlightStats::Ballooning, c.events, c.flight.TickCount);
+  GiveAdvice(c, "Ballooning.wav", 107, 30, 1, kRed);
+  CountTick(c, &FlightStats::Ballooning);
 }
 
 void CallOffDescentTooFast(Cockpit& c) {
@@ -154,10 +154,8 @@ void CheckLowFlight(Cockpit& c) {
   const ModeFlags& m = c.flight.Modes;
   if (m.Landing || m.TakeOff) return;  // low flight is what these modes expect
   if (before.AGL - now.AGL < kLowFlightDrop || now.AGL >= kLowFlightBelow) return;
-  Voice v = c.voice();
-  PlayAlways(v, "YouFlewTooLow.wav");
-  ShowRemark(v, "YouFlewTooLow.wav", 2);
-  Count(c.flight.Flight(), &FlightStats::FlewTooLowOverObstacle, c.events, c.flight.TickCount);
+  Advise(c, Delivery::Always, "YouFlewTooLow.wav", 0, 0, 0, kRed,
+         &FlightStats::FlewTooLowOverObstacle);
 }
 
 void GatherApproachRatings(Cockpit& c) {

@@ -117,13 +117,7 @@ void BelowGlidePath(Cockpit& c) {
 
 // A red rule: the advice, and the occasion counted.
 void Fault(Cockpit& c, std::string_view file, int id, int gap, FlightCounter counter) {
-  if (GiveAdvice(c, file, id, gap, 4, 2)) {
-    Count(c.flight.Flight(), counter, c.events, c.flight.TickCount);
-  }
-}
-
-bool HasFlaps(const AircraftValues& a) {
-  return a.FlapAngleLimit[1] > 0;
+  GiveAdvice(c, file, id, gap, 4, kRed, counter);
 }
 
 // No flap out, and no strong crosswind to excuse it.
@@ -131,7 +125,7 @@ bool FlapsWanted(const Cockpit& c) {
   const FSData& now = c.link.Now();
   const int32_t wind = std::abs(now.WindRelativeToOBS);
   const bool crosswind = wind > kCrosswindLeast && wind < kCrosswindMost;
-  return c.flight.Modes.Landing && HasFlaps(c.aircraft) && now.FlapsLeft < kFlapsOut &&
+  return c.flight.Modes.Landing && c.aircraft.HasFlaps() && now.FlapsLeft < kFlapsOut &&
          (now.WindSpeed <= kCalmWind || !crosswind);
 }
 
@@ -185,8 +179,8 @@ void AmberFlapsForLanding(Cockpit& c) {
 void NeedFlapsForLanding(Cockpit& c) {
   const double agl = c.link.Now().AGL;
   if (!FlapsWanted(c) || agl <= kNeedFlapsLow || agl >= kNeedFlapsHigh) return;
-  if (!GiveAdvice(c, "NeedFlapsForLanding.wav", 56, 30, 4, 2)) return;
-  Count(c.flight.Flight(), &FlightStats::NotFlapsForLanding, c.events, c.flight.TickCount);
+  if (!GiveAdvice(c, "NeedFlapsForLanding.wav", 56, 30, 4, kRed, &FlightStats::NotFlapsForLanding))
+    return;
   if (agl > kFlapSentenceAbove) SayFlapSpeed(c);
 }
 
@@ -302,15 +296,14 @@ void ApproachRules(Cockpit& c) {
   if (landing && tooFastLow) {
     Fault(c, "TooFastToLandSoAbort.wav", 58, 30, &FlightStats::TooFastToLand);
   }
-  if (!landing && cruise && tooFastLow && GiveAdvice(c, "TooFastLowNotLanding.wav", 58, 30, 4, 2)) {
-    Count(c.flight.Flight(), &FlightStats::TooFastLowNotLanding, c.events, c.flight.TickCount);
+  if (!landing && cruise && tooFastLow &&
+      GiveAdvice(c, "TooFastLowNotLanding.wav", 58, 30, 4, kRed,
+                 &FlightStats::TooFastLowNotLanding))
     ShowMessage(c, "Are you LANDING?", 5);
-  }
   const bool lowInCruise = cruise && agl > kLowInCruiseLow && agl < kLowInCruiseHigh;
-  if (lowInCruise && GiveAdvice(c, "TooFastLowNotLanding.wav", 58, 60, 4, 2)) {
-    Count(c.flight.Flight(), &FlightStats::TooFastLowNotLanding, c.events, c.flight.TickCount);
+  if (lowInCruise && GiveAdvice(c, "TooFastLowNotLanding.wav", 58, 60, 4, kRed,
+                                &FlightStats::TooFastLowNotLanding))
     ShowMessage(c, "Are you LANDING?", 5);
-  }
   if (cruise && !lowInCruise && agl > kLowInCruiseLow && agl < kLowInCruiseAmberHigh) {
     GiveAdvice(c, "AMBERTooFastLowNotLanding.wav", 58, 60, 4, 1);
   }

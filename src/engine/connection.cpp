@@ -8,6 +8,7 @@
 #include "base/files.h"
 #include "engine/tick_rules.h"
 #include "records/flight_stats.h"
+#include "world/flight_plan.h"
 #include "world/profiles.h"
 #include "world/vors.h"
 
@@ -81,8 +82,7 @@ void LoadWorldWhenEmpty(Cockpit& c) {
   if (c.world.RunwaysLoaded() || !f.Connected || f.SimulatorName.empty()) return;
   // A simulator the program keeps no folder for still has the delivered world.
   const std::string folder = GetRunningFS(c.options, f.SimulatorName).value_or("");
-  const std::string message =
-      LoadRunwaysAndVORs(c.world, c.sound.SoundRoot, folder, f.SimulatorName);
+  const std::string message = LoadRunwaysAndVORs(c.world, c.root, folder, f.SimulatorName);
   if (!message.empty()) ShowNotice(c, message);
 }
 
@@ -124,7 +124,7 @@ bool FSConnect(Cockpit& c) {
   f.Stats.LinkVersion = LinkVersionText(c.sim.FsVersion());
 
   // A file "NoVersionCheck.txt" beside the program lets any version through.
-  const bool anyVersion = FileExists(c.sound.SoundRoot + "NoVersionCheck.txt");
+  const bool anyVersion = FileExists(c.root + "NoVersionCheck.txt");
   if (!anyVersion &&
       VersionDigits(c.sim.FsVersion()) < (p3d ? kLowestVersionP3D : kLowestVersion)) {
     c.sim.Close();
@@ -210,7 +210,8 @@ void DisconnectFromFS(Cockpit& c, int reason, std::string_view cause) {
   FlightState& f = c.flight;
   if (reason != 0) {
     // The stored text of the last connection goes to the log book view here
-    // (flight log), and the flight plan is cleared (flight plans).
+    // (flight log).
+    cmdClearFlightPlan_Click(c.plan);
   }
   f.FlightStarted = false;
   f.UserConnected = false;

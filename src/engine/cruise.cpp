@@ -14,8 +14,6 @@ namespace vantoro {
 
 namespace {
 
-constexpr int kRed = 2;
-constexpr int kAmber = 1;
 constexpr int kGap = 30;  // fifteen seconds between two remarks of a family
 constexpr int kExpiry = 4;
 constexpr int kBankRateExpiry = 2;  // a roll is news only at once
@@ -60,9 +58,7 @@ using Counter = int32_t FlightStats::*;
 
 // A red fault: the advice at level 2, and the count when it was given.
 bool RedFault(Cockpit& c, std::string_view file, int id, int expiry, Counter counter) {
-  if (!GiveAdvice(c, file, id, kGap, expiry, kRed)) return false;
-  Count(c.flight.Flight(), counter, c.events, c.flight.TickCount);
-  return true;
+  return GiveAdvice(c, file, id, kGap, expiry, kRed, counter);
 }
 
 // A red fault with its amber twin at a tighter limit, on one sound family.
@@ -110,7 +106,7 @@ void UseTrimmers(Cockpit& c, const FSData& now) {
   if (!c.options.HaveYokePressure || !(now.AGL > kYokePressureAbove)) return;
   if (now.Elevator <= kYokePressure && now.Elevator >= -kYokePressure) return;
   GiveAdvice(c, "UseTrimmers.wav", 39, kGap, kExpiry, kRed);
-  Count(c.flight.Flight(), &FlightStats::NotUseTrimmers, c.events, c.flight.TickCount);
+  CountTick(c, &FlightStats::NotUseTrimmers);
 }
 
 // Bank beyond 32 degrees is a fault already, told with the warning's

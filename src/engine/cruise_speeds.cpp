@@ -11,8 +11,6 @@ namespace vantoro {
 
 namespace {
 
-constexpr int kRed = 2;
-constexpr int kAmber = 1;
 constexpr int kGap = 30;
 constexpr int kExpiry = 4;
 
@@ -102,10 +100,6 @@ constexpr TypeCall kNeverExceedCalls[] = {
     {AircraftType::TwinOtter, "TwinOtter\\vne.wav"},
 };
 
-void CountFault(Cockpit& c, int32_t FlightStats::*counter) {
-  Count(c.flight.Flight(), counter, c.events, c.flight.TickCount);
-}
-
 // The type's call, through its own gate; nothing for a type without one.
 void TypeCallPerhaps(Cockpit& c, std::string_view file, int expiry) {
   if (file.empty()) return;
@@ -116,12 +110,7 @@ void TypeCallPerhaps(Cockpit& c, std::string_view file, int expiry) {
 // The stall itself: said at once, ahead of everything queued.
 void StallWarning(Cockpit& c, const FSData& now) {
   if (!(now.AGL > kStallWarningAbove) || !now.StallWarning) return;
-  constexpr int kFamily = 45;
-  if (c.sound.LastPlayed[kFamily] >= c.flight.TickCount - kGap) return;
-  Voice v = c.voice();
-  PlayAndPurge(v, "StallProcedure.wav", kFamily, kGap);
-  ShowRemark(v, "StallProcedure.wav", kRed);
-  CountFault(c, &FlightStats::ExceedStall);
+  Advise(c, Delivery::AtOnce, "StallProcedure.wav", 45, kGap, 0, kRed, &FlightStats::ExceedStall);
 }
 
 void NearStall(Cockpit& c, const FSData& now, const FSData& before) {
@@ -133,11 +122,10 @@ void NearStall(Cockpit& c, const FSData& now, const FSData& before) {
   if (now.AGL > kNearStallAbove) {
     if (now.IAS >= (flapsOut ? a.StallLanding : a.StallCruise)) return;
     const std::string_view advice = c.random.Uniform() < 0.5 ? "SpeedUp.wav" : "DontStall.wav";
-    if (GiveAdvice(c, advice, 46, kGap, kExpiry, kRed)) CountFault(c, &FlightStats::NearStall);
+    GiveAdvice(c, advice, 46, kGap, kExpiry, kRed, &FlightStats::NearStall);
     TypeCallPerhaps(c, StallCall(a, flapsOut), kExpiry);
   } else if (now.AGL > kNearStallLowAbove && now.IAS < a.StallLanding) {
-    if (GiveAdvice(c, "DontStall.wav", 46, kGap, kExpiry, kRed))
-      CountFault(c, &FlightStats::NearStall);
+    GiveAdvice(c, "DontStall.wav", 46, kGap, kExpiry, kRed, &FlightStats::NearStall);
   }
 }
 
@@ -184,8 +172,7 @@ void GearAndNeverExceedSpeeds(Cockpit& c) {
   // aircraft: a fault beyond its speed, otherwise a reminder outside Landing.
   if (now.AGL > kRaiseGearAbove && now.GearDown && now.GearLeftPosition && a.Raw.RetractableGear) {
     if (now.IAS > a.GearSpeedLimit) {
-      if (GiveAdvice(c, "RaiseGear.wav", 89, kGap, kExpiry, kRed))
-        CountFault(c, &FlightStats::ExceedGearDown);
+      GiveAdvice(c, "RaiseGear.wav", 89, kGap, kExpiry, kRed, &FlightStats::ExceedGearDown);
     } else if (!c.flight.Modes.Landing) {
       GiveAdvice(c, "RaiseGear.wav", 89, kGap, kExpiry, kAmber);
     }
@@ -194,8 +181,7 @@ void GearAndNeverExceedSpeeds(Cockpit& c) {
   // A simulator that gives no never-exceed speed leaves nothing to judge by.
   if (OwnNeverExceedRule(a) || now.BarberPole <= 0) return;
   if (now.IAS > now.BarberPole - kNeverExceedMargin) {
-    if (GiveAdvice(c, "SlowDown.wav", 61, kGap, kExpiry, kRed))
-      CountFault(c, &FlightStats::ExceedVNE);
+    GiveAdvice(c, "SlowDown.wav", 61, kGap, kExpiry, kRed, &FlightStats::ExceedVNE);
     TypeCallPerhaps(c, NeverExceedCall(a), kNeverExceedCallExpiry);
   } else if (now.IAS > now.BarberPole - kNeverExceedAmberMargin) {
     GiveAdvice(c, "AmberSlowDown.wav", 62, kGap, kExpiry, kAmber);
@@ -223,10 +209,8 @@ void ClimbOutRules(Cockpit& c) {
   const double sink = -climb;
   const double drop = -rise;
   if ((sink > kTakeOffSink && drop > kTakeOffSink) || sink > kTakeOffSinkAltitudeOnly) {
-    if (GiveAdvice(c, "TakeOffDescent.wav", 33, kGap, kExpiry, kRed)) {
+    if (GiveAdvice(c, "TakeOffDescent.wav", 33, kGap, kExpiry, kRed, &FlightStats::TakeOffDescent))
       ShowMessage(c, "Are you CRUISING?", kCruisingQuestionSeconds);
-      CountFault(c, &FlightStats::TakeOffDescent);
-    }
   } else if ((sink > kTakeOffSinkAmber && drop > kTakeOffSinkAmber) ||
              sink > kTakeOffSinkAmberEither || drop > kTakeOffSinkAmberEither) {
     GiveAdvice(c, "AmberTakeOffDescent.wav", 33, kGap, kExpiry, kAmber);

@@ -14,10 +14,6 @@ namespace {
 
 constexpr std::string_view kVersionCaption = "Vantoro v" VANTORO_VERSION;
 
-bool HasFlaps(const AircraftValues& a) {
-  return a.FlapAngleLimit[1] > 0;
-}
-
 // A report joins the log display (plain) and its marked-up copy on a line of
 // its own.
 void AppendReport(std::string& text, const std::string& report) {
@@ -38,7 +34,7 @@ void ScoreAndRecordFlight(Cockpit& c) {
   if (flight.Aircraft.empty()) flight.Aircraft = c.aircraft.Title;
 
   const RouteResult route = WayPointFinalAnalysis(c.plan, c.link.HeavyAircraft);
-  const FlightEvaluationInputs in{HasFlaps(c.aircraft),      c.aircraft.Raw.RetractableGear,
+  const FlightEvaluationInputs in{c.aircraft.HasFlaps(),     c.aircraft.Raw.RetractableGear,
                                   c.aircraft.Raw.FloatPlane, now.LoadedWeightWord,
                                   c.aircraft.StallLanding,   route.Bonus};
   const FlightEvaluation e = EvaluateFlight(flight, in);
@@ -71,7 +67,11 @@ void ScoreAndRecordFlight(Cockpit& c) {
                  {"duration", flight.FlightDuration},
                  {"report", RemoveMarkup(s.FlightSummary)}});
 
+  // The row and the log book entry are written together, both or neither.
   if (!s.PilotFile.empty()) {
+    const FileWrite book =
+        LogBookUpdate(GetPilotFile(s.PilotFile, ".htm"),
+                      ApplyMarkup(s.LogBookMarkup, ReportMarkupValues(c)), "EndFlight");
     const LogRowInputs row{s.LandingScore,
                            s.FlightScore,
                            s.CircuitScore,
@@ -79,17 +79,13 @@ void ScoreAndRecordFlight(Cockpit& c) {
                            c.plan.FlightPlanDeparture,
                            c.plan.FlightPlanDestination};
     const std::string file = GetPilotFile(s.PilotFile, ".dat");
-    const std::string line = DispFlightEvaluation(file, flight, now, row, c.clock);
+    const std::string line = DispFlightEvaluation(file, flight, now, row, c.clock, {book});
     c.events.Emit(f.TickCount, "log", {{"file", file}, {"row", line}});
   }
 
   const ScoreLinkInputs links{s.LandingScore,  s.FlightScore,  s.CircuitScore,
                               f.SimulatorName, now.Visibility, flight.Aircraft};
   s.ScoreLinks = GenerateScoreLinks(s.MarkerFolder, links);
-
-  if (!s.PilotFile.empty() && !WriteLogBook(GetPilotFile(s.PilotFile, ".htm"),
-                                            ApplyMarkup(s.LogBookMarkup, ReportMarkupValues(c))))
-    throw FailureReport(kErrPathAccess, "Path/File access error", "EndFlight");
 }
 
 }  // namespace

@@ -103,7 +103,6 @@ struct FlightState {
   // The nearest and the landing runway of the world data.
   RunwayChoice Runways;
   ApproachState approach;  // the approach monitors
-  RouteState route;        // the route coaching along a loaded plan
   GroundState Ground;      // the ground rules' memory
 };
 

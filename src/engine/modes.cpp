@@ -183,10 +183,14 @@ void BeginFlight(Cockpit& c) {
 
   f.FlightStarted = true;
   f.FlightStartTick = f.TickCount;
-  const AircraftContext context{
-      c.sound.SoundRoot,      f.SimulatorName,        static_cast<int>(c.sim.FsId() & 0xFFFF),
-      c.options.FS2002Folder, c.options.FS2004Folder, c.options.FSXFolder,
-      IdentityOf(c),          c.link.HeavyAircraft};
+  const AircraftContext context{c.root,
+                                f.SimulatorName,
+                                static_cast<int>(c.sim.FsId() & 0xFFFF),
+                                c.options.FS2002Folder,
+                                c.options.FS2004Folder,
+                                c.options.FSXFolder,
+                                IdentityOf(c),
+                                c.link.HeavyAircraft};
   ShowMessage(c, AircraftChanged(c.aircraft, context, c.sound.InstructorVolume),
               kAircraftChangedNoticeSeconds);
   c.sound.Status.DataSource = DataSourceStatus(c.aircraft);

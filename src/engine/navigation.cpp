@@ -92,7 +92,7 @@ int32_t MagneticCourse(double fromLat, double fromLon, double toLat, double toLo
 }
 
 void LoadSimulatorPlanOnConnect(Cockpit& c) {
-  RouteState& r = c.flight.route;
+  RouteState& r = c.route;
   if (c.flight.TickCount <= 1) r.SimulatorPlanTried = false;
   const FSData& now = c.link.Now();
   if (!c.options.LoadFSXPlanOnConnect || r.SimulatorPlanTried || now.FlightFile.empty()) return;
@@ -119,7 +119,7 @@ void FlightPlanHelp(Cockpit& c) {
   const FSData& now = c.link.Now();
   const FSData& before = c.link.Before();
   const GpsData& gps = c.link.Gps;
-  RouteState& r = c.flight.route;
+  RouteState& r = c.route;
   Voice v = c.voice();
 
   if (!now.GpsDrivesNav) {
@@ -128,13 +128,13 @@ void FlightPlanHelp(Cockpit& c) {
   }
   // The NAV display was just given to a GPS that has no plan to fly.
   if (!before.GpsDrivesNav && (now.GpsFlags1 & kGpsActivePlan) == 0 && now.OnGround == 0) {
-    PlayPerhaps(v, "GPSNoFlightPlanActive.wav", kGpsNoPlanSlot, kTeachingGap, kTeachingExpiry);
+    PlayPerhaps(v, "GPSNoFlightPlan.wav", kGpsNoPlanSlot, kTeachingGap, kTeachingExpiry);
   }
   // A new point for the GPS to fly to.
   if (!gps.GpsNextWaypoint.empty() && gps.GpsNextWaypoint != r.GpsNextWaypoint &&
       (now.GpsFlags1 & kGpsActivePlan) != 0 && Speaks(now)) {
     const bool direct = (now.GpsFlags1 & kGpsDirectTo) != 0;
-    PlayAlways(v, direct ? "GPSFlyingDirectTo.wav" : "GPSNextWaypointIs.wav");
+    PlayAlways(v, direct ? "GPSFlyingDirectTo.wav" : "GPSNextWaypoint.wav");
     PlayStringPhoneticallyAlways(v, gps.GpsNextWaypoint);
   }
   r.GpsNextWaypoint = gps.GpsNextWaypoint;
@@ -151,6 +151,9 @@ void WayPointCheck(Cockpit& c) {
   const int32_t count = FlightPlanCount(plan);
   if (count <= 1) return;
   const FSData& now = c.link.Now();
+  // Only a flying aircraft follows the route: on the first ticks, before the
+  // ground latch is set, a round trip's last point lies at the parking spot.
+  if (now.OnGround != 0) return;
   const double passing = RouteMiles(c, kPassingMiles);
   for (int32_t i = 1; i < count; ++i) {
     Waypoint& w = plan.Waypoints[static_cast<size_t>(i)];
@@ -226,7 +229,7 @@ const Waypoint* AidToSuggest(const Cockpit& c) {
   const int32_t count = FlightPlanCount(plan);
   const int32_t next = plan.NextWaypoint;
   if (count <= 1 || next <= 0 || next >= count) return nullptr;
-  if (c.flight.route.AidSuggestedFor == next) return nullptr;
+  if (c.route.AidSuggestedFor == next) return nullptr;
   const FSData& now = c.link.Now();
   const Waypoint& w = plan.Waypoints[static_cast<size_t>(next)];
   const Waypoint& last = plan.Waypoints[static_cast<size_t>(next - 1)];
@@ -251,7 +254,7 @@ void SuggestNavAid(Cockpit& c) {
   if (!c.options.AdviceVORNDB || c.options.AutoTuneVOR) return;
   const Waypoint* w = AidToSuggest(c);
   if (w == nullptr) return;
-  c.flight.route.AidSuggestedFor = c.plan.NextWaypoint;
+  c.route.AidSuggestedFor = c.plan.NextWaypoint;
   const FSData& now = c.link.Now();
   Voice v = c.voice();
   if (IsVOR(*w)) {
@@ -271,7 +274,7 @@ void TuneNavAid(Cockpit& c) {
   if (!c.options.AutoTuneVOR) return;
   const Waypoint* w = AidToSuggest(c);
   if (w == nullptr) return;
-  c.flight.route.AidSuggestedFor = c.plan.NextWaypoint;
+  c.route.AidSuggestedFor = c.plan.NextWaypoint;
   const FSData& now = c.link.Now();
   const VORStation* station =
       FindVOR(c.world, w->Latitude, w->Longitude, kStationAtWaypointDegrees);
@@ -322,6 +325,9 @@ void VORTeaching(Cockpit& c) {
     if (now.Nav1ToFrom == kFlagTo) {
       PlayPerhaps(v, "VORflagisTO.wav", kVorFlagToSlot, kTeachingGap, kTeachingExpiry);
     } else if (now.Nav1ToFrom == kFlagFrom && before.Nav1ToFrom == kFlagTo) {
+      PlayPerhaps(v, "WehavepassedtheVORstation.wav", kVorFlagFromSlot, kTeachingGap,
+                  kTeachingExpiry);
+    } else if (now.Nav1ToFrom == kFlagFrom) {
       PlayPerhaps(v, "VORflagisFROM.wav", kVorFlagFromSlot, kTeachingGap, kTeachingExpiry);
     } else if (now.Nav1ToFrom == kFlagOff) {
       PlayPerhaps(v, "VORflagisOFF.wav", kVorFlagOffSlot, kTeachingGap, kTeachingExpiry);

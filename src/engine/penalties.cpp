@@ -27,7 +27,7 @@ void SimulationRatePenalty(Cockpit& c) {
     GiveAdvice(c, "SimulationRateIsWrong.wav", 82, 30, 8, 1);
   if (c.link.Before().SimRate == kNormalSimRate)
     ShowMessage(c, "Do you *want* an abnormal simulation rate?", kQuestionSeconds);
-  Count(flight, &FlightStats::AbnormalSimRateTicks, c.events, f.TickCount);
+  CountTick(c, &FlightStats::AbnormalSimRateTicks);
   if (flight.AbnormalSimRateTicks == kSimRateZeroScoreTicks)
     ShowMessage(c, "Score will be zero due to abnormal simulation rate.", kPenaltySeconds);
 }
@@ -46,7 +46,7 @@ void AutoPilotPenalty(Cockpit& c) {
     ShowMessage(c, "Do you *want* AutoPilot on?", kQuestionSeconds);
   if (!now.AutopilotOn) return;
   FlightStats& flight = f.Flight();
-  Count(flight, &FlightStats::AutoPilotTicks, c.events, f.TickCount);
+  CountTick(c, &FlightStats::AutoPilotTicks);
   if (flight.AutoPilotTicks == kAutoPilotPenaltyTicks)
     ShowMessage(c, "Score loses 33% due to AutoPilot.", kPenaltySeconds);
 }

@@ -4,12 +4,20 @@
 #pragma once
 
 #include <array>
+#include <string>
 #include <string_view>
 
 #include "base/events.h"
 #include "base/seams.h"
+#include "engine/checklists_state.h"
+#include "engine/circuit_state.h"
+#include "engine/failures_state.h"
 #include "engine/flight_state.h"
 #include "engine/options.h"
+#include "engine/procedures_state.h"
+#include "engine/route_state.h"
+#include "engine/traffic_state.h"
+#include "engine/voice_commands_state.h"
 #include "link/simlink.h"
 #include "link/snapshot.h"
 #include "records/approach_ratings.h"
@@ -32,7 +40,17 @@ struct Cockpit {
   FlightPlan& plan;
   ScoreState& scores;
   ApproachRatings& approach;
+  // The memory of the later monitors, one struct each, in tick order.
+  ProceduresState& procedures;
+  ChecklistsState& checklists;
+  CircuitState& circuit;
+  FailuresState& failures;
+  TrafficState& traffic;
+  VoiceCommandsState& voiceCommands;
+  RouteState& route;
   const EngineOptions& options;
+  // The program's root folder (Aircraft\, World\, settings.ini), ending in "\".
+  const std::string& root;
   SimLink& sim;
   std::array<AudioOut*, 2> audio;
   Events& events;

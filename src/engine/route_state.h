@@ -14,6 +14,8 @@ struct RouteState {
   bool SimulatorPlanTried = false;
   // The GPS's next waypoint as last announced.
   std::string GpsNextWaypoint;
+
+  bool operator==(const RouteState&) const = default;
 };
 
 }  // namespace vantoro

@@ -71,20 +71,10 @@ constexpr int32_t kV1BelowStall = 5;
 constexpr int32_t kVrBelowStall = 3;
 constexpr int32_t kV2AboveStall = 4;
 
-bool IsJet(const AircraftValues& a) {
-  return a.IsType(AircraftType::B737) || a.IsType(AircraftType::B757) ||
-         a.IsType(AircraftType::Lear45) || a.IsType(AircraftType::CRJ700);
-}
-
-bool WantsJetProcedures(const AircraftValues& a) {
-  return a.WantType(AircraftType::B737) || a.WantType(AircraftType::B757) ||
-         a.WantType(AircraftType::Lear45) || a.WantType(AircraftType::CRJ700);
-}
-
 // No engine firing; a jet's fuel lever must be cut off as well.
 bool ShutDown(const AircraftValues& a, const FSData& now) {
   if (EnginesFiring(now) > 0) return false;
-  return !(IsJet(a) && now.Eng1MixtureLever >= kJetFuelLeverOpen);
+  return !(a.IsJet() && now.Eng1MixtureLever >= kJetFuelLeverOpen);
 }
 
 // "Wind.wav" and "Calm.wav", or the direction in three digits (north said
@@ -101,10 +91,6 @@ void SayWind(Voice& v, const FSData& now) {
   PlayStringPhoneticallyAlways(v, digits);
   PlayAlways(v, "At.wav");
   PlayStringPhoneticallyAlways(v, std::to_string(now.SurfaceWindSpeed));
-}
-
-void Counted(Cockpit& c, bool given, FlightCounter field) {
-  if (given) Count(c.flight.Flight(), field, c.events, c.flight.TickCount);
 }
 
 }  // namespace
@@ -161,7 +147,7 @@ void EntryIntoTakeOff(Cockpit& c) {
   if (c.options.TeachingOn)
     PlayAlwaysRoot(v, c.link.HeavyAircraft ? "TeachTOGA.wav" : "TeachLightTakeOffPower.wav");
 
-  if (WantsJetProcedures(c.aircraft)) VSpeeds(c.aircraft, f.Ground.Speeds);
+  if (c.aircraft.WantJet()) VSpeeds(c.aircraft, f.Ground.Speeds);
 
   f.Ground.TakeOffHeading = now.Heading;
   SayVisibility(v, now);
@@ -173,7 +159,7 @@ void SteeringAfterTouchdown(Cockpit& c) {
   const FSData& now = c.link.Now();
   if (f.HasTouchedDown && !f.Modes.Taxiing &&
       std::abs(RelativeBearing(now.Nav1OBS, now.Heading)) > kRollOutCourseDegrees) {
-    Counted(c, true, &FlightStats::PoorGroundSteeringAfterLanding);
+    CountTick(c, &FlightStats::PoorGroundSteeringAfterLanding);
   }
 }
 
@@ -195,8 +181,7 @@ void GroundRules(Cockpit& c) {
   // 1. Gentle turns.
   if (now.GS > kTurnsFromGS) {
     if (std::abs(now.Slip) > kRoughTurnSlip) {
-      Counted(c, GiveAdvice(c, "GentleTurnsOnGround.wav", 8, 30, 4, 2),
-              &FlightStats::RoughTurnsOnGround);
+      GiveAdvice(c, "GentleTurnsOnGround.wav", 8, 30, 4, 2, &FlightStats::RoughTurnsOnGround);
     } else if (std::abs(now.Slip) > kAmberTurnSlip) {
       GiveAdvice(c, "AmberGentleTurnsOnGround.wav", 8, 30, 4, 1);
     }
@@ -233,8 +218,7 @@ void GroundRules(Cockpit& c) {
 
   // 6. Braking on the take-off roll.
   if (now.Brake && before.GS - now.GS > kTakeOffBrakingGS) {
-    Counted(c, GiveAdvice(c, "WhyBrakeDuringTakeOff.wav", 12, 30, 4, 2),
-            &FlightStats::BrakeDuringTakeOff);
+    GiveAdvice(c, "WhyBrakeDuringTakeOff.wav", 12, 30, 4, 2, &FlightStats::BrakeDuringTakeOff);
   }
 
   // The aircraft's own take-off calls (80 knots, V1, rotate, V2) run here
@@ -244,8 +228,7 @@ void GroundRules(Cockpit& c) {
   if (now.GS > kSteeringFromGS) {
     const int32_t off = std::abs(RelativeBearing(f.Ground.TakeOffHeading, now.Heading));
     if (off > kPoorSteeringDegrees) {
-      Counted(c, GiveAdvice(c, "PoorTakeOffSteering.wav", 13, 30, 4, 2),
-              &FlightStats::PoorTakeOffSteering);
+      GiveAdvice(c, "PoorTakeOffSteering.wav", 13, 30, 4, 2, &FlightStats::PoorTakeOffSteering);
     } else if (off > kAmberSteeringDegrees) {
       GiveAdvice(c, "AmberPoorTakeOffSteering.wav", 13, 30, 4, 1);
     }
@@ -255,7 +238,7 @@ void GroundRules(Cockpit& c) {
   const bool noseNotRising = now.Pitch - before.Pitch <= kRisingPitchDegrees;
   if (f.Ground.Speeds.Vr <= 0 && noseNotRising && now.OnGround > 0) {
     if (now.IAS > a.StallCruise * kLateRotationFactor) {
-      Counted(c, GiveAdvice(c, "OKLetsRotate.wav", 109, 30, 4, 2), &FlightStats::LateRotation);
+      GiveAdvice(c, "OKLetsRotate.wav", 109, 30, 4, 2, &FlightStats::LateRotation);
     } else if (now.IAS > a.StallCruise * kAmberRotationFactor) {
       GiveAdvice(c, "AmberOKLetsRotate.wav", 106, 30, 4, 1);
     }

@@ -53,17 +53,8 @@ constexpr int32_t kThrottleOpen = 1100;
 constexpr int32_t kRideBrakesGS = 7;
 constexpr int32_t kAmberRideBrakesGS = 4;
 
-bool IsJet(const AircraftValues& a) {
-  return a.IsType(AircraftType::B737) || a.IsType(AircraftType::B757) ||
-         a.IsType(AircraftType::Lear45) || a.IsType(AircraftType::CRJ700);
-}
-
 bool Within(int32_t value, int32_t low, int32_t high) {
   return value >= low && value <= high;
-}
-
-void Counted(Cockpit& c, bool given, FlightCounter field) {
-  if (given) Count(c.flight.Flight(), field, c.events, c.flight.TickCount);
 }
 
 // Both ends reached: the completion is told and the check starts again.
@@ -110,13 +101,12 @@ void FlapsUpForTaxi(Cockpit& c) {
   const FSData& now = c.link.Now();
   const AircraftValues& a = c.aircraft;
   const bool taxiFlapsWanted = !a.Raw.FlapsDownDuringTaxi;
-  const bool applies = IsJet(a) ? !c.link.HeavyAircraft : taxiFlapsWanted;
+  const bool applies = a.IsJet() ? !c.link.HeavyAircraft : taxiFlapsWanted;
   if (!applies || now.GS <= kFlapsTaxiFromGS || now.GS >= kFlapsTaxiBelowGS ||
       now.FlapsLeft <= kFlapsOut)
     return;
   if (now.GS > kFlapsTaxiRedAboveGS) {
-    Counted(c, GiveAdvice(c, "FlapsUpDuringTaxi.wav", 9, 30, 4, 2),
-            &FlightStats::FlapsNotUpDuringTaxi);
+    GiveAdvice(c, "FlapsUpDuringTaxi.wav", 9, 30, 4, 2, &FlightStats::FlapsNotUpDuringTaxi);
   } else {
     GiveAdvice(c, "AMBERFlapsUpDuringTaxi.wav", 109, 30, 4, 1);
   }
@@ -133,34 +123,34 @@ void TaxiInWind(Cockpit& c) {
   const bool ahead = Within(wind, -kWindAheadDegrees, kWindAheadDegrees);
 
   if (now.Elevator < kElevatorHeld && behind) {
-    Counted(c, GiveAdvice(c, "TaxiInWindWithElevatorDown.wav", 86, 30, 4, 2),
-            &FlightStats::NotTaxiInWindWithElevatorDown);
+    GiveAdvice(c, "TaxiInWindWithElevatorDown.wav", 86, 30, 4, 2,
+               &FlightStats::NotTaxiInWindWithElevatorDown);
   }
   if (now.TailDragger && now.Elevator > -kElevatorHeld && ahead) {
-    Counted(c, GiveAdvice(c, "TaxiInWindWithElevatorUp.wav", 86, 30, 4, 2),
-            &FlightStats::NotTaxiInWindWithElevatorUp);
+    GiveAdvice(c, "TaxiInWindWithElevatorUp.wav", 86, 30, 4, 2,
+               &FlightStats::NotTaxiInWindWithElevatorUp);
   }
   // The nose wheel's fault counts with the tail wheel's.
   if (!now.TailDragger && (now.Elevator < -kElevatorHeld || now.Elevator > kElevatorHeld) &&
       ahead) {
-    Counted(c, GiveAdvice(c, "TaxiInWindWithElevatorNeutral.wav", 86, 30, 4, 2),
-            &FlightStats::NotTaxiInWindWithElevatorUp);
+    GiveAdvice(c, "TaxiInWindWithElevatorNeutral.wav", 86, 30, 4, 2,
+               &FlightStats::NotTaxiInWindWithElevatorUp);
   }
   if (Within(wind, -kCrossWindBeam, -kCrossWindFrom) && now.Aileron < kAileronEnd) {
-    Counted(c, GiveAdvice(c, "TaxiInWindWithLeftAileronUp.wav", 87, 30, 4, 2),
-            &FlightStats::NotTaxiInWindWithLeftAileronUp);
+    GiveAdvice(c, "TaxiInWindWithLeftAileronUp.wav", 87, 30, 4, 2,
+               &FlightStats::NotTaxiInWindWithLeftAileronUp);
   }
   if (Within(wind, -kCrossWindTo, -kCrossWindBeam) && now.Aileron > -kAileronEnd) {
-    Counted(c, GiveAdvice(c, "TaxiInWindWithRightAileronUp.wav", 88, 30, 4, 2),
-            &FlightStats::NotTaxiInWindWithRightAileronUp);
+    GiveAdvice(c, "TaxiInWindWithRightAileronUp.wav", 88, 30, 4, 2,
+               &FlightStats::NotTaxiInWindWithRightAileronUp);
   }
   if (Within(wind, kCrossWindFrom, kCrossWindBeam) && now.Aileron > -kAileronEnd) {
-    Counted(c, GiveAdvice(c, "TaxiInWindWithRightAileronUp.wav", 88, 30, 4, 2),
-            &FlightStats::NotTaxiInWindWithRightAileronUp);
+    GiveAdvice(c, "TaxiInWindWithRightAileronUp.wav", 88, 30, 4, 2,
+               &FlightStats::NotTaxiInWindWithRightAileronUp);
   }
   if (Within(wind, kCrossWindBeam, kCrossWindTo) && now.Aileron < kAileronEnd) {
-    Counted(c, GiveAdvice(c, "TaxiInWindWithLeftAileronUp.wav", 87, 30, 4, 2),
-            &FlightStats::NotTaxiInWindWithLeftAileronUp);
+    GiveAdvice(c, "TaxiInWindWithLeftAileronUp.wav", 87, 30, 4, 2,
+               &FlightStats::NotTaxiInWindWithLeftAileronUp);
   }
 }
 
@@ -174,7 +164,7 @@ void TaxiSpeed(Cockpit& c) {
   if (now.GS >= kTakeOffGS) {
     TaxiSpeedTakeOff(c);
   } else {
-    Counted(c, GiveAdvice(c, "TaxiSlower.wav", 10, 30, 4, 2), &FlightStats::TaxiTooFast);
+    GiveAdvice(c, "TaxiSlower.wav", 10, 30, 4, 2, &FlightStats::TaxiTooFast);
   }
 }
 
@@ -184,14 +174,13 @@ void Brakes(Cockpit& c) {
   const FSData& before = c.link.Before();
   if (!now.FailFlags[kFailEngine] && now.Brake && now.GS > kThrottleAndBrakesGS &&
       now.Eng1Throttle > kThrottleOpen) {
-    Counted(c, GiveAdvice(c, "DontTaxiWithThrottleAndBrakes.wav", 11, 30, 4, 2),
-            &FlightStats::TaxiWithThrottleAndBrakes);
+    GiveAdvice(c, "DontTaxiWithThrottleAndBrakes.wav", 11, 30, 4, 2,
+               &FlightStats::TaxiWithThrottleAndBrakes);
   }
   if (!now.Brake) return;
   const int32_t slowing = before.GS - now.GS;
   if (slowing > kRideBrakesGS) {
-    Counted(c, GiveAdvice(c, "ShouldntHaveToRideTheBreaks.wav", 12, 30, 4, 2),
-            &FlightStats::RideBrakes);
+    GiveAdvice(c, "ShouldntHaveToRideTheBreaks.wav", 12, 30, 4, 2, &FlightStats::RideBrakes);
   } else if (slowing > kAmberRideBrakesGS) {
     GiveAdvice(c, "AmberShouldntHaveToRideTheBreaks.wav", 12, 30, 4, 1);
   }

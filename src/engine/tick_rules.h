@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "engine/polling.h"
+#include "records/flight_stats.h"
 
 namespace vantoro {
 
@@ -45,10 +46,29 @@ AircraftIdentity IdentityOf(const Cockpit& c);
 // The number of engines with combustion.
 int32_t EnginesFiring(const FSData& now);
 
-// PlayPerhaps, and with the sound through its gate a remark of `level`
-// (1 amber, 2 red, 0 none). True when the advice was given, so that the rule
-// can count the occasion.
-bool GiveAdvice(Cockpit& c, std::string_view file, int id, int gap, int expiry, int level);
+// The levels of a remark's caption.
+inline constexpr int kNoRemark = 0;
+inline constexpr int kAmber = 1;  // the early warning, which costs nothing
+inline constexpr int kRed = 2;    // a fault
+
+// How a piece of advice reaches the loudspeaker: queued through its family's
+// gap (PlayPerhaps), at once ahead of everything queued through the gap
+// (PlayAndPurge), or queued with no gap (PlayAlways).
+enum class Delivery { Perhaps, AtOnce, Always };
+
+// The one path of every remark of the rules: the sound delivered, and when it
+// was (its gap had run), the caption remark at `level` and one more occasion
+// on the `occasion` counter. True when the advice was given, so that a rule
+// can go on with what follows it.
+bool Advise(Cockpit& c, Delivery how, std::string_view file, int id, int gap, int expiry, int level,
+            FlightCounter occasion = nullptr);
+// The common case: queued through the family's gap.
+inline bool GiveAdvice(Cockpit& c, std::string_view file, int id, int gap, int expiry, int level,
+                       FlightCounter occasion = nullptr) {
+  return Advise(c, Delivery::Perhaps, file, id, gap, expiry, level, occasion);
+}
+// A counter that counts ticks, not occasions.
+void CountTick(Cockpit& c, FlightCounter counter);
 
 // A line of text in the simulator's message window.
 void ShowMessage(Cockpit& c, std::string_view text, int seconds);

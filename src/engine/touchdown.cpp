@@ -84,10 +84,8 @@ void TouchdownTest(Cockpit& c) {
     f.TouchdownTick = f.TickCount;
     f.HasTouchedDown = true;
   } else {
-    Voice v = c.voice();
-    PlayAndPurge(v, "WhatDidYouJustHit.WAV", 0, 0);
-    ShowRemark(v, "WhatDidYouJustHit.WAV", 2);
-    Count(f.Flight(), &FlightStats::StrangeTouchdowns, c.events, f.TickCount);
+    Advise(c, Delivery::AtOnce, "WhatDidYouJustHit.WAV", 0, 0, 0, kRed,
+           &FlightStats::StrangeTouchdowns);
   }
 
   f.GroundLatch = 1;

@@ -1,5 +1,6 @@
 #include "link/recording.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
@@ -123,6 +124,10 @@ class Parser {
 bool Parser::Run(std::string_view text, std::string& error) {
   // A byte-order mark some editors put first is not part of the first line.
   if (text.substr(0, 3) == "\xEF\xBB\xBF") text.remove_prefix(3);
+  // Room for a step a line, made at once: a long recording is not moved step
+  // by step as it grows.
+  out_.steps.reserve(out_.steps.size() +
+                     static_cast<size_t>(std::count(text.begin(), text.end(), '\n')) + 1);
   bool first = true;
   while (first || !text.empty()) {
     ++line_;

@@ -266,9 +266,13 @@ std::string LogDate(const WallTime& t) {
          FormatDigits(t.hour, 2) + FormatDigits(t.minute, 2);
 }
 
-std::string WriteLogFile(std::string_view path, std::string_view row, const Clock& clock) {
+std::string WriteLogFile(std::string_view path, std::string_view row, const Clock& clock,
+                         const std::vector<FileWrite>& alongside) {
+  constexpr std::string_view kLocation = "WriteLogFile";
   std::string line = LogDate(clock.Now()) + kTab + std::string(row);
-  std::string contents = TryReadFile(path).value_or(std::string());
+  std::string why;
+  std::string contents = TryReadFile(path, &why).value_or(std::string());
+  if (!why.empty()) throw FileFailure(why, kLocation);
   if (Trim(contents).empty()) {
     contents.clear();
     for (std::string_view name : LogColumnNames()) {
@@ -280,15 +284,19 @@ std::string WriteLogFile(std::string_view path, std::string_view row, const Cloc
     contents += kRowEnd;  // a last row cut short keeps its own line
   }
   contents += line;
-  if (!WriteFileAtomic(path, contents))
-    throw FailureReport(kErrPathAccess, "Path/File access error", "WriteLogFile");
+  std::vector<FileWrite> files{{std::string(path), std::move(contents)}};
+  files.insert(files.end(), alongside.begin(), alongside.end());
+  if (std::string problem = WriteFilesTogether(files); !problem.empty())
+    throw FileFailure(problem, kLocation);
   while (EndsWith(line, "\n") || EndsWith(line, "\r")) line.pop_back();
   return line;
 }
 
 std::string DispFlightEvaluation(std::string_view path, const FlightStats& flight,
-                                 const FSData& live, const LogRowInputs& in, const Clock& clock) {
-  return WriteLogFile(path, FlightLogRow(flight, live, in) + std::string(kRowEnd), clock);
+                                 const FSData& live, const LogRowInputs& in, const Clock& clock,
+                                 const std::vector<FileWrite>& alongside) {
+  return WriteLogFile(path, FlightLogRow(flight, live, in) + std::string(kRowEnd), clock,
+                      alongside);
 }
 
 std::optional<FlightLog> ReadFlightLog(std::string_view path, std::string_view aircraftFilter) {

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/files.h"
 #include "base/seams.h"
 #include "link/fsdata.h"
 #include "records/flight_stats.h"
@@ -52,13 +53,18 @@ std::string LogDate(const WallTime& t);
 // Appends one row (given without the date, ended by its line break) to the
 // log at `path`: the date goes in front; a file that is missing or holds only
 // blanks starts with the header. Written whole to a temporary file and
-// renamed. Returns the line as written, without its line end. A file that
-// cannot be written ends the program with the failure report of "WriteLogFile".
-std::string WriteLogFile(std::string_view path, std::string_view row, const Clock& clock);
+// renamed, together with the files `alongside` (the flight's log book entry):
+// all of them or none. Returns the line as written, without its line end. A
+// log that cannot be read, or a file that cannot be written, ends the program
+// with the failure report of "WriteLogFile" naming the file and the reason.
+std::string WriteLogFile(std::string_view path, std::string_view row, const Clock& clock,
+                         const std::vector<FileWrite>& alongside = {});
 
-// Builds the flight's row and writes it to the log; returns the line written.
+// Builds the flight's row and writes it to the log with the files
+// `alongside`; returns the line written.
 std::string DispFlightEvaluation(std::string_view path, const FlightStats& flight,
-                                 const FSData& live, const LogRowInputs& in, const Clock& clock);
+                                 const FSData& live, const LogRowInputs& in, const Clock& clock,
+                                 const std::vector<FileWrite>& alongside = {});
 
 // One row as the pilot-log and graph windows read it back.
 struct LogEntry {

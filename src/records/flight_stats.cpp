@@ -1,82 +1,83 @@
 #include "records/flight_stats.h"
 
-#include <cmath>
-
 namespace vantoro {
 
 const std::array<CounterColumn, 70>& CounterColumns() {
   using F = FlightStats;
+  constexpr int32_t kNone = CounterColumn::kNotAnError;
+  constexpr int32_t kEach = 1;
+  constexpr int32_t kEveryTenth = 10;
   static const std::array<CounterColumn, 70> kColumns = {{
-      {&F::AbnormalSimRateTicks, "SimulationRateNotNormal"},
-      {&F::AutoPilotTicks, "APOn"},
-      {&F::ExceedBankLeft, "ExceedBankLeft"},
-      {&F::ExceedBankRight, "ExceedBankRight"},
-      {&F::ExceedGsNegative, "ExceedGsNegative"},
-      {&F::ExceedGsPositive, "ExceedGsPositive"},
-      {&F::ExceedPitchChange, "ExceedPitchChange"},
-      {&F::ExceedBankChange, "ExceedBankChange"},
-      {&F::ExceedYawChange, "ExceedYawChange"},
-      {&F::ExceedGearDown, "ExceedGearDown"},
-      {&F::ExceedFlaps, "ExceedFlaps"},
-      {&F::ExceedAerobatic, "ExceedAerobatic"},
-      {&F::ExceedVNE, "ExceedVNE"},
-      {&F::ExceedStall, "ExceedStall"},
-      {&F::Scrapes, "Scrapes"},
-      {&F::RoughTurnsOnGround, "RoughTurnsOnGround"},
-      {&F::BrakeDuringTakeOff, "BrakeDuringTakeOff"},
-      {&F::PoorTakeOffSteering, "PoorTakeOffSteering"},
-      {&F::LateRotation, "LateRotation"},
-      {&F::FlapsNotUpDuringTaxi, "FlapsNotUpDuringTaxi"},
-      {&F::NotTaxiInWindWithElevatorDown, "NotTaxiInWindWithElevatorDown"},
-      {&F::NotTaxiInWindWithElevatorUp, "NotTaxiInWindWithElevatorUp"},
-      {&F::NotTaxiInWindWithLeftAileronUp, "NotTaxiInWindWithLeftAileronUp"},
-      {&F::NotTaxiInWindWithRightAileronUp, "NotTaxiInWindWithRightAileronUp"},
-      {&F::TaxiTooFast, "TaxiTooFast"},
-      {&F::TaxiWithThrottleAndBrakes, "TaxiWithThrottleAndBrakes"},
-      {&F::RideBrakes, "RideBrakes"},
-      {&F::TakeOffDescent, "TakeOffDescent"},
-      {&F::NotLevelWings, "NotLevelWings"},
-      {&F::NotRudderToCoordinateTurns, "NotRudderToCoordinateTurns"},
-      {&F::NearStall, "NearStall"},
-      {&F::DescentTooFast, "DescentTooFast"},
-      {&F::LowerTheNoseTailStrike, "LowerTheNoseTailStrike"},
-      {&F::LowerTheNose, "LowerTheNose"},
-      {&F::RaiseTheNose, "RaiseTheNose"},
-      {&F::NotFlapsForLanding, "NotFlapsForLanding"},
-      {&F::TooFastToLand, "TooFastToLand"},
-      {&F::TooFastLowNotLanding, "TooFastLowNotLanding"},
-      {&F::FlewTooLowOverObstacle, "FlewTooLowOverObstacle"},
-      {&F::Ballooning, "Ballooning"},
-      {&F::NotUseTrimmers, "NotUseTrimmers"},
-      {&F::PoorGroundSteeringAfterLanding, "PoorGroundSteeringAfterLanding"},
-      {&F::StrangeTouchdowns, "StrangeTouchdowns"},
-      {&F::CircuitBadHeadingUpWind, "CircuitBadHeadingUpWind"},
-      {&F::CircuitBadHeadingCrossWind, "CircuitBadHeadingCrossWind"},
-      {&F::CircuitBadHeadingDownWind, "CircuitBadHeadingDownWind"},
-      {&F::CircuitBadHeadingBase, "CircuitBadHeadingBase"},
-      {&F::CircuitBadHeadingFinal, "CircuitBadHeadingFinal"},
-      {&F::CircuitBadAltitudeUpWind, "CircuitBadAltitudeUpWind"},
-      {&F::CircuitBadAltitudeCrossWind, "CircuitBadAltitudeCrossWind"},
-      {&F::CircuitBadAltitudeDownWind, "CircuitBadAltitudeDownWind"},
-      {&F::CircuitBadAltitudeBase, "CircuitBadAltitudeBase"},
-      {&F::CircuitBadAltitudeFinal, "CircuitBadAltitudeFinal"},
-      {&F::CircuitBadTimingUpWind, "CircuitBadTimingUpWind"},
-      {&F::CircuitBadTimingCrossWind, "CircuitBadTimingCrossWind"},
-      {&F::CircuitBadTimingDownWind, "CircuitBadTimingDownWind"},
-      {&F::CircuitBadTimingBase, "CircuitBadTimingBase"},
-      {&F::CircuitBadTimingFinal, "CircuitBadTimingFinal"},
-      {&F::CircuitBadBankAngle, "CircuitBadBankAngle"},
-      {&F::CircuitDurationUpWind, "CircuitDurationUpWind"},
-      {&F::CircuitDurationCrossWind, "CircuitDurationCrossWind"},
-      {&F::CircuitDurationDownWind, "CircuitDurationDownWind"},
-      {&F::CircuitDurationBase, "CircuitDurationBase"},
-      {&F::CircuitDurationFinal, "CircuitDurationFinal"},
-      {&F::ApproachGlideslopeRating, "ApproachGlideslopeRating"},
-      {&F::ApproachLocalizerRating, "ApproachLocalizerRating"},
-      {&F::nonILSApproachGlideslopeRating, "nonILSApproachGlideslopeRating"},
-      {&F::nonILSApproachLocalizerRating, "nonILSApproachLocalizerRating"},
-      {&F::FlightDuration, "FlightDuration"},
-      {&F::BlockTime, "Block Time"},
+      {&F::AbnormalSimRateTicks, "SimulationRateNotNormal", kNone},
+      {&F::AutoPilotTicks, "APOn", kNone},
+      {&F::ExceedBankLeft, "ExceedBankLeft", kEach},
+      {&F::ExceedBankRight, "ExceedBankRight", kEach},
+      {&F::ExceedGsNegative, "ExceedGsNegative", kEach},
+      {&F::ExceedGsPositive, "ExceedGsPositive", kEach},
+      {&F::ExceedPitchChange, "ExceedPitchChange", kEach},
+      {&F::ExceedBankChange, "ExceedBankChange", kEach},
+      {&F::ExceedYawChange, "ExceedYawChange", kNone},
+      {&F::ExceedGearDown, "ExceedGearDown", kEach},
+      {&F::ExceedFlaps, "ExceedFlaps", kEach},
+      {&F::ExceedAerobatic, "ExceedAerobatic", kNone},
+      {&F::ExceedVNE, "ExceedVNE", kEach},
+      {&F::ExceedStall, "ExceedStall", kEach},
+      {&F::Scrapes, "Scrapes", kNone},
+      {&F::RoughTurnsOnGround, "RoughTurnsOnGround", kEach},
+      {&F::BrakeDuringTakeOff, "BrakeDuringTakeOff", kEach},
+      {&F::PoorTakeOffSteering, "PoorTakeOffSteering", kEach},
+      {&F::LateRotation, "LateRotation", kEach},
+      {&F::FlapsNotUpDuringTaxi, "FlapsNotUpDuringTaxi", kEach},
+      {&F::NotTaxiInWindWithElevatorDown, "NotTaxiInWindWithElevatorDown", kEach},
+      {&F::NotTaxiInWindWithElevatorUp, "NotTaxiInWindWithElevatorUp", kEach},
+      {&F::NotTaxiInWindWithLeftAileronUp, "NotTaxiInWindWithLeftAileronUp", kEach},
+      {&F::NotTaxiInWindWithRightAileronUp, "NotTaxiInWindWithRightAileronUp", kEach},
+      {&F::TaxiTooFast, "TaxiTooFast", kEach},
+      {&F::TaxiWithThrottleAndBrakes, "TaxiWithThrottleAndBrakes", kEach},
+      {&F::RideBrakes, "RideBrakes", kEach},
+      {&F::TakeOffDescent, "TakeOffDescent", kEach},
+      {&F::NotLevelWings, "NotLevelWings", kEach},
+      {&F::NotRudderToCoordinateTurns, "NotRudderToCoordinateTurns", kEach},
+      {&F::NearStall, "NearStall", kEach},
+      {&F::DescentTooFast, "DescentTooFast", kEach},
+      {&F::LowerTheNoseTailStrike, "LowerTheNoseTailStrike", kEach},
+      {&F::LowerTheNose, "LowerTheNose", kEach},
+      {&F::RaiseTheNose, "RaiseTheNose", kEach},
+      {&F::NotFlapsForLanding, "NotFlapsForLanding", kEach},
+      {&F::TooFastToLand, "TooFastToLand", kEach},
+      {&F::TooFastLowNotLanding, "TooFastLowNotLanding", kEach},
+      {&F::FlewTooLowOverObstacle, "FlewTooLowOverObstacle", kEach},
+      {&F::Ballooning, "Ballooning", kNone},
+      {&F::NotUseTrimmers, "NotUseTrimmers", kEveryTenth},
+      {&F::PoorGroundSteeringAfterLanding, "PoorGroundSteeringAfterLanding", kNone},
+      {&F::StrangeTouchdowns, "StrangeTouchdowns", kNone},
+      {&F::CircuitBadHeadingUpWind, "CircuitBadHeadingUpWind", kNone},
+      {&F::CircuitBadHeadingCrossWind, "CircuitBadHeadingCrossWind", kNone},
+      {&F::CircuitBadHeadingDownWind, "CircuitBadHeadingDownWind", kNone},
+      {&F::CircuitBadHeadingBase, "CircuitBadHeadingBase", kNone},
+      {&F::CircuitBadHeadingFinal, "CircuitBadHeadingFinal", kNone},
+      {&F::CircuitBadAltitudeUpWind, "CircuitBadAltitudeUpWind", kNone},
+      {&F::CircuitBadAltitudeCrossWind, "CircuitBadAltitudeCrossWind", kNone},
+      {&F::CircuitBadAltitudeDownWind, "CircuitBadAltitudeDownWind", kNone},
+      {&F::CircuitBadAltitudeBase, "CircuitBadAltitudeBase", kNone},
+      {&F::CircuitBadAltitudeFinal, "CircuitBadAltitudeFinal", kNone},
+      {&F::CircuitBadTimingUpWind, "CircuitBadTimingUpWind", kNone},
+      {&F::CircuitBadTimingCrossWind, "CircuitBadTimingCrossWind", kNone},
+      {&F::CircuitBadTimingDownWind, "CircuitBadTimingDownWind", kNone},
+      {&F::CircuitBadTimingBase, "CircuitBadTimingBase", kNone},
+      {&F::CircuitBadTimingFinal, "CircuitBadTimingFinal", kNone},
+      {&F::CircuitBadBankAngle, "CircuitBadBankAngle", kNone},
+      {&F::CircuitDurationUpWind, "CircuitDurationUpWind", kNone},
+      {&F::CircuitDurationCrossWind, "CircuitDurationCrossWind", kNone},
+      {&F::CircuitDurationDownWind, "CircuitDurationDownWind", kNone},
+      {&F::CircuitDurationBase, "CircuitDurationBase", kNone},
+      {&F::CircuitDurationFinal, "CircuitDurationFinal", kNone},
+      {&F::ApproachGlideslopeRating, "ApproachGlideslopeRating", kNone},
+      {&F::ApproachLocalizerRating, "ApproachLocalizerRating", kNone},
+      {&F::nonILSApproachGlideslopeRating, "nonILSApproachGlideslopeRating", kNone},
+      {&F::nonILSApproachLocalizerRating, "nonILSApproachLocalizerRating", kNone},
+      {&F::FlightDuration, "FlightDuration", kNone},
+      {&F::BlockTime, "Block Time", kNone},
   }};
   return kColumns;
 }
@@ -99,16 +100,10 @@ void SetCount(FlightStats& flight, FlightCounter field, int32_t value, Events& e
 }
 
 int32_t FlightPPScore(const FlightStats& f) {
-  return f.ExceedBankLeft + f.ExceedBankRight + f.ExceedGsNegative + f.ExceedGsPositive +
-         f.ExceedPitchChange + f.ExceedBankChange + f.ExceedGearDown + f.ExceedFlaps + f.ExceedVNE +
-         f.ExceedStall + f.RoughTurnsOnGround + f.BrakeDuringTakeOff + f.PoorTakeOffSteering +
-         f.LateRotation + f.FlapsNotUpDuringTaxi + f.NotTaxiInWindWithElevatorDown +
-         f.NotTaxiInWindWithElevatorUp + f.NotTaxiInWindWithLeftAileronUp +
-         f.NotTaxiInWindWithRightAileronUp + f.TaxiTooFast + f.TaxiWithThrottleAndBrakes +
-         f.RideBrakes + f.TakeOffDescent + f.NotLevelWings + f.NotRudderToCoordinateTurns +
-         f.NearStall + f.DescentTooFast + f.LowerTheNoseTailStrike + f.LowerTheNose +
-         f.RaiseTheNose + f.NotFlapsForLanding + f.TooFastToLand + f.TooFastLowNotLanding +
-         f.FlewTooLowOverObstacle + static_cast<int32_t>(std::floor(f.NotUseTrimmers / 10.0));
+  int32_t errors = 0;
+  for (const CounterColumn& c : CounterColumns())
+    if (c.errorShare != CounterColumn::kNotAnError) errors += f.*c.field / c.errorShare;
+  return errors;
 }
 
 }  // namespace vantoro

@@ -116,14 +116,20 @@ struct FlightStats {
 
 inline constexpr int kFlightTableSize = 201;  // flights 0..200
 
-// A counter field of FlightStats and its flight-log column name.
+// A counter field of FlightStats: its flight-log column name (the name the
+// "count" event gives too) and its share in the flight's pilot errors
+// (FlightPPScore): none, each count, or every tenth count (NotUseTrimmers
+// counts ticks).
 using FlightCounter = int32_t FlightStats::*;
 struct CounterColumn {
+  static constexpr int32_t kNotAnError = 0;
   FlightCounter field;
   const char* column;
+  int32_t errorShare;  // kNotAnError, or the counts that make one error
 };
 
-// Every counter of the record, with its column name.
+// Every counter of the record, in the log's order: a new counter is a field
+// of FlightStats and one row here.
 const std::array<CounterColumn, 70>& CounterColumns();
 // The log column name of a counter field ("" for one outside the table).
 std::string_view CounterName(FlightCounter field);

@@ -121,11 +121,6 @@ int32_t Average(int64_t sum, int32_t samples, int64_t scale = 1) {
   return CLng(static_cast<double>(sum * scale) / samples);
 }
 
-// An aircraft has flaps when its profile gives a first flap position.
-bool HasFlaps(const AircraftValues& a) {
-  return a.FlapAngleLimit[1] > 0;
-}
-
 bool FailedNow(const FSData& now, size_t i) {
   if (i == kFailElectrics) return now.FailFlags[i] && now.MasterBattery;
   return now.FailFlags[i];
@@ -319,7 +314,7 @@ void ScoredItems(Sheet& s, const LandingContext& in, const FlightStats& f) {
           "PitchDownAtLanding.WAV");
 
   // 10: flaps; an aircraft without them earns the points silently.
-  const bool flaps = HasFlaps(a);
+  const bool flaps = a.HasFlaps();
   if (second.FlapsLeft <= kNoFlapsPosition && flaps)
     s.Bad("* Without flaps - use them for better glideslope and control at low speed.", -5,
           "YouHadNoFlapsForLanding.WAV");

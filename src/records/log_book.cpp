@@ -1,5 +1,6 @@
 #include "records/log_book.h"
 
+#include "base/failure.h"
 #include "base/files.h"
 #include "base/text.h"
 
@@ -31,8 +32,12 @@ std::string ExtendLogBook(std::string_view existing, std::string_view entryHtml)
   return book;
 }
 
-bool WriteLogBook(std::string_view path, std::string_view entryHtml) {
-  return WriteFileAtomic(path, ExtendLogBook(ReadFile(path), entryHtml));
+FileWrite LogBookUpdate(std::string_view path, std::string_view entryHtml,
+                        std::string_view location) {
+  std::string why;
+  const std::optional<std::string> existing = TryReadFile(path, &why);
+  if (!why.empty()) throw FileFailure(why, location);
+  return FileWrite{std::string(path), ExtendLogBook(existing.value_or(""), entryHtml)};
 }
 
 }  // namespace vantoro

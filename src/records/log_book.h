@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "base/files.h"
+
 namespace vantoro {
 
 // The log book with one more entry (HTML): a new document when `existing` is
@@ -12,8 +14,11 @@ namespace vantoro {
 // after a rule.
 std::string ExtendLogBook(std::string_view existing, std::string_view entryHtml);
 
-// Reads the log book at `path`, adds the entry and writes it back whole
-// (temporary file and rename). False when it cannot be written.
-bool WriteLogBook(std::string_view path, std::string_view entryHtml);
+// The log book at `path` with the entry added, ready to be written together
+// with the flight's log row. A book that is there but cannot be read is never
+// replaced: that ends the program with the failure report of `location`,
+// naming the file and the reason.
+FileWrite LogBookUpdate(std::string_view path, std::string_view entryHtml,
+                        std::string_view location);
 
 }  // namespace vantoro

@@ -12,9 +12,28 @@ Instructor::Instructor(std::string rootFolder, Seams seams)
 }
 
 Cockpit Instructor::cockpit() {
-  return Cockpit{link,         flight,         sound,         aircraft,      world,
-                 plan,         scores,         approach,      options,       *seams_.sim,
-                 seams_.audio, *seams_.events, *seams_.clock, *seams_.random};
+  return Cockpit{.link = link,
+                 .flight = flight,
+                 .sound = sound,
+                 .aircraft = aircraft,
+                 .world = world,
+                 .plan = plan,
+                 .scores = scores,
+                 .approach = approach,
+                 .procedures = procedures,
+                 .checklists = checklists,
+                 .circuit = circuit,
+                 .failures = failures,
+                 .traffic = traffic,
+                 .voiceCommands = voiceCommands,
+                 .route = route,
+                 .options = options,
+                 .root = root,
+                 .sim = *seams_.sim,
+                 .audio = seams_.audio,
+                 .events = *seams_.events,
+                 .clock = *seams_.clock,
+                 .random = *seams_.random};
 }
 
 bool Instructor::Connect() {

@@ -47,6 +47,13 @@ class Instructor {
   FlightPlan plan;
   ScoreState scores;
   ApproachRatings approach;
+  ProceduresState procedures;
+  ChecklistsState checklists;
+  CircuitState circuit;
+  FailuresState failures;
+  TrafficState traffic;
+  VoiceCommandsState voiceCommands;
+  RouteState route;
   EngineOptions options;
   Settings settings;  // the settings page
   PilotTab pilot;     // the pilot page

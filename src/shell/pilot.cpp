@@ -7,118 +7,23 @@
 #include "base/files.h"
 #include "base/numbers.h"
 #include "base/text.h"
+#include "shell/option_fields.h"
 
 namespace vantoro {
 
-namespace {
-
-std::string Line(std::string_view key, std::string_view value) {
-  return std::string(key) + "=" + std::string(value) + "\r\n";
-}
-
-std::string BoxLine(std::string_view key, bool value) {
-  return Line(key, value ? "1" : "0");
-}
-
-}  // namespace
-
 std::string ComposePilotFile(const PilotRecord& r) {
-  std::string out = "[pilot]\r\n";
-  out += Line("name", QuoteINIValue(r.name));
-  out += Line("image", QuoteINIValue(r.image));
-  out += "\r\n[control setup]\r\n";
-  out += BoxLine("HaveYokePressure", r.HaveYokePressure);
-  out += BoxLine("RudderController", r.RudderController);
-  out += "\r\n[flight settings]\r\n";
-  out += BoxLine("WantTaxiInWindAdvice", r.WantTaxiInWindAdvice);
-  out += BoxLine("MonitorUseOfLights", r.MonitorUseOfLights);
-  out += BoxLine("WantRandomFailures", r.WantRandomFailures);
-  out += BoxLine("WantLooseWireFailures", r.WantLooseWireFailures);
-  out += Line("FailureSlider", std::to_string(r.FailureSlider));
-  out += BoxLine("PausePointsLoss", r.PausePointsLoss);
-  out += BoxLine("PauseWarning", r.PauseWarning);
-  out += Line("PauseGap", std::to_string(r.PauseGap));
-  out += "\r\n[logbook format]\r\n";
-  out += BoxLine("Basic", r.Basic);
-  out += "\r\n[sound setup]\r\n";
-  out += BoxLine("DisableSound", r.DisableSound);
-  out += BoxLine("BackgroundSounds", r.BackgroundSounds);
-  out += BoxLine("Humour", r.Humour);
-  out += BoxLine("Captions", r.Captions);
-  out += BoxLine("MonGT", r.MonGT);
-  out += BoxLine("MonAT", r.MonAT);
-  out += BoxLine("AdviceWP", r.AdviceWP);
-  out += BoxLine("AdviceVORNDB", r.AdviceVORNDB);
-  out += BoxLine("MonitorVOR", r.MonitorVOR);
-  out += BoxLine("AutoNearestAirport", r.AutoNearestAirport);
-  out += BoxLine("MonitorTaxiways", r.MonitorTaxiways);
-  out += Line("Instructor", QuoteINIValue(r.Instructor));
-  out += BoxLine("InstructorNoticesFailures", r.InstructorNoticesFailures);
-  out += "\r\n[auto detect setup]\r\n";
-  out += BoxLine("AutoDetectModeCruise", r.AutoDetectModeCruise);
-  out += BoxLine("AutoDetectModeLanding", r.AutoDetectModeLanding);
-  out += "\r\n[auto tune setup]\r\n";
-  out += BoxLine("AutoTuneILS", r.AutoTuneILS);
-  out += BoxLine("AutoTuneATIS", r.AutoTuneATIS);
-  out += BoxLine("AutoTuneVOR", r.AutoTuneVOR);
-  return out;
+  return ComposeFields(PilotFields(), r);
 }
 
 void ReadPilotEntries(const std::vector<INIEntry>& entries, PilotRecord& r) {
-  auto value = [&](std::string_view section, std::string_view key) {
-    return GetValueFromINI(entries, section, key).Value;
-  };
-  auto box = [&](std::string_view section, std::string_view key) {
-    return value(section, key) == "1";
-  };
-  // A whole number within its range, or the value as it was.
-  auto number = [&](std::string_view section, std::string_view key, int32_t current, int32_t low,
-                    int32_t high) {
-    const auto v = INIValueNumber(value(section, key));
-    if (!v) return current;
-    return std::clamp(CLng(*v), low, high);
-  };
-
-  r.name = value("pilot", "name");
-  r.image = value("pilot", "image");
-  r.HaveYokePressure = box("control setup", "HaveYokePressure");
-  r.RudderController = box("control setup", "RudderController");
-  r.WantTaxiInWindAdvice = box("flight settings", "WantTaxiInWindAdvice");
-  r.MonitorUseOfLights = box("flight settings", "MonitorUseOfLights");
-  r.WantRandomFailures = box("flight settings", "WantRandomFailures");
-  r.WantLooseWireFailures = box("flight settings", "WantLooseWireFailures");
-  r.FailureSlider =
-      number("flight settings", "FailureSlider", r.FailureSlider, 0, kMaxFailureSlider);
-  r.PausePointsLoss = box("flight settings", "PausePointsLoss");
-  r.PauseWarning = box("flight settings", "PauseWarning");
-  r.PauseGap = number("flight settings", "PauseGap", r.PauseGap, 0, INT32_MAX);
-  r.Basic = box("logbook format", "Basic");
-  r.DisableSound = box("sound setup", "DisableSound");
-  r.BackgroundSounds = box("sound setup", "BackgroundSounds");
-  r.Humour = box("sound setup", "Humour");
-  r.Captions = box("sound setup", "Captions");
-  r.MonGT = box("sound setup", "MonGT");
-  r.MonAT = box("sound setup", "MonAT");
-  r.AdviceWP = box("sound setup", "AdviceWP");
-  r.AdviceVORNDB = box("sound setup", "AdviceVORNDB");
-  r.MonitorVOR = box("sound setup", "MonitorVOR");
-  r.AutoNearestAirport = box("sound setup", "AutoNearestAirport");
-  r.MonitorTaxiways = box("sound setup", "MonitorTaxiways");
-  r.Instructor = value("sound setup", "Instructor");
-  r.InstructorNoticesFailures = box("sound setup", "InstructorNoticesFailures");
-
+  ReadFields(PilotFields(), entries, r);
   // Older files kept the auto-detect keys with the sound; a key of the newer
   // section, when there, has the last word.
   for (auto [key, field] : {std::pair{"AutoDetectModeCruise", &r.AutoDetectModeCruise},
                             std::pair{"AutoDetectModeLanding", &r.AutoDetectModeLanding}}) {
-    *field = box("sound setup", key);
-    const INIEntry newer = GetValueFromINI(entries, "auto detect setup", key);
-    if (!newer.Key.empty()) *field = newer.Value == "1";
+    if (GetValueFromINI(entries, "auto detect setup", key).Key.empty())
+      *field = GetValueFromINI(entries, "sound setup", key).Value == "1";
   }
-
-  r.AutoTuneILS = box("auto tune setup", "AutoTuneILS");
-  r.AutoTuneATIS = box("auto tune setup", "AutoTuneATIS");
-  r.AutoTuneVOR = box("auto tune setup", "AutoTuneVOR");
 }
 
 void RefreshPilotData(PilotTab& tab, SoundState& sound, EngineOptions& o) {
@@ -126,38 +31,13 @@ void RefreshPilotData(PilotTab& tab, SoundState& sound, EngineOptions& o) {
   // The instructor list's selection is the sound queue's instructor.
   r.Instructor = sound.Instructor;
 
+  static_cast<PilotOptions&>(o) = r;
   o.PilotName = r.name;
   o.PilotFile = tab.CurrentPilotFile;
   o.PilotUnsaved = tab.CurrentPilotFile.empty();
   o.PilotImage = r.image;
-  o.HaveYokePressure = r.HaveYokePressure;
-  o.RudderController = r.RudderController;
-  o.WantTaxiInWindAdvice = r.WantTaxiInWindAdvice;
-  o.MonitorUseOfLights = r.MonitorUseOfLights;
-  o.WantRandomFailures = r.WantRandomFailures;
-  o.WantLooseWireFailures = r.WantLooseWireFailures;
-  o.FailureSlider = r.FailureSlider;
-  o.PausePointsLoss = r.PausePointsLoss;
-  o.PauseWarning = r.PauseWarning;
-  o.PauseGap = r.PauseGap;
-  o.Basic = r.Basic;
   sound.DisableSound = r.DisableSound;
-  o.BackgroundSounds = r.BackgroundSounds;
-  o.Humour = r.Humour;
   sound.CaptionsOn = r.Captions;
-  o.MonGT = r.MonGT;
-  o.MonAT = r.MonAT;
-  o.AdviceWP = r.AdviceWP;
-  o.AdviceVORNDB = r.AdviceVORNDB;
-  o.MonitorVOR = r.MonitorVOR;
-  o.AnnounceNearestAirport = r.AutoNearestAirport;
-  o.MonitorTaxiways = r.MonitorTaxiways;
-  o.InstructorNoticesFailures = r.InstructorNoticesFailures;
-  o.AutoDetectModeCruise = r.AutoDetectModeCruise;
-  o.AutoDetectModeLanding = r.AutoDetectModeLanding;
-  o.AutoTuneILS = r.AutoTuneILS;
-  o.AutoTuneATIS = r.AutoTuneATIS;
-  o.AutoTuneVOR = r.AutoTuneVOR;
 
   tab.Unsaved = !tab.Saved || *tab.Saved != r;
 }

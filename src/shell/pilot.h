@@ -32,46 +32,15 @@ inline constexpr char kUnsavedPilotText[] = "The current pilot data has not been
 inline constexpr char kCloseWithoutSavingText[] =
     "Are you sure you want to close the program without saving the data?";
 
-// The pilot page, as written to the file; the defaults are those a new pilot
-// starts with. Field names are the file's keys.
-struct PilotRecord {
+// The pilot page, as written to the file (its rows: PilotFields in
+// shell/option_fields.h); the defaults are those a new pilot starts with.
+// The choices the tick reads are the PilotOptions it shares with the engine.
+struct PilotRecord : PilotOptions {
   std::string name;
   std::string image;  // path of the picture, or empty
-  // [control setup]
-  bool HaveYokePressure = false;
-  bool RudderController = false;
-  // [flight settings]
-  bool WantTaxiInWindAdvice = true;
-  bool MonitorUseOfLights = true;
-  bool WantRandomFailures = false;
-  bool WantLooseWireFailures = false;
-  int32_t FailureSlider = kNewPilotFailureSlider;
-  bool PausePointsLoss = false;
-  bool PauseWarning = true;
-  int32_t PauseGap = 30;
-  // [logbook format]
-  bool Basic = false;  // the basic log instead of the detailed one
-  // [sound setup]
   bool DisableSound = false;
-  bool BackgroundSounds = true;
-  bool Humour = true;
   bool Captions = true;
-  bool MonGT = true;
-  bool MonAT = true;
-  bool AdviceWP = true;
-  bool AdviceVORNDB = true;
-  bool MonitorVOR = true;
-  bool AutoNearestAirport = false;
-  bool MonitorTaxiways = true;
   std::string Instructor;  // folder name of the instructor's voice
-  bool InstructorNoticesFailures = true;
-  // [auto detect setup]
-  bool AutoDetectModeCruise = true;
-  bool AutoDetectModeLanding = true;
-  // [auto tune setup]
-  bool AutoTuneILS = false;
-  bool AutoTuneATIS = false;
-  bool AutoTuneVOR = false;
 
   bool operator==(const PilotRecord&) const = default;
 };

@@ -16,7 +16,6 @@
 namespace vantoro {
 
 inline constexpr char kDefaultTransitionAltitude[] = "18000";
-inline constexpr int kSpokenTipBoxes = 4;
 // The sample pilot, loaded when there is no settings file.
 inline constexpr char kSamplePilot[] = "PilotRoster\\LightSpeed.plt";
 
@@ -31,7 +30,7 @@ inline constexpr std::array<const char*, 3> kEndFlightTips = {
 inline constexpr std::array<const char*, 3> kVoiceModes = {
     "Off - No voice commands", "Key - Controlled by VNTR Mic Key [5]", "On - Listen at all times!"};
 
-// The settings page.
+// The settings page (its rows: SettingsFields in shell/option_fields.h).
 struct Settings {
   // The Prepar3D build: only Prepar3D's folder is kept, in the FSX row.
   bool P3DMode = false;
@@ -44,8 +43,11 @@ struct Settings {
   int EndFlight = 0;                                            // 0, 1 or 2: kEndFlightLabels
   bool LoadFSXPlanOnConnect = false;
   bool GPSOverridesFlightPlan = false;
-  // SpokenTips, AviationTips, InstantHelp, TaxiwayTips.
-  std::array<bool, kSpokenTipBoxes> SpokenTips = {true, true, true, true};
+  // The four boxes of spoken tips; InstantHelp explains the switches.
+  bool SpokenTips = true;
+  bool AviationTips = true;
+  bool InstantHelp = true;
+  bool TaxiwayTips = true;
   int VoiceMode = 0;  // 0, 1 or 2: kVoiceModes
 
   bool operator==(const Settings&) const = default;

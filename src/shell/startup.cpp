@@ -96,8 +96,10 @@ bool Startup::OpenPilot(std::string_view file) {
     Note(std::string(file), "the pilot file cannot be read; the pilot page is as it was");
     return false;
   }
-  // The flight log and the log book lie beside the pilot's file.
+  // The flight log and the log book lie beside the pilot's file; a write of
+  // them killed half-way left its temporary file there.
   in_.scores.PilotFile = std::string(file);
+  RemoveStrayTemporaries(GetFolder(file));
   return true;
 }
 
@@ -134,6 +136,7 @@ bool Startup::OpenLogFolder(std::string_view folder) {
     return false;
   }
   in_.scores.MarkerFolder = TidyFolder(folder);
+  RemoveStrayTemporaries(folder);
   return true;
 }
 

@@ -194,19 +194,21 @@ std::string InstructorPath(const SoundState& s, std::string_view file) {
   return std::string(kSoundFolder) + s.Instructor + "\\" + std::string(file);
 }
 
-void PlayPerhaps(Voice& v, std::string_view file, int id, int gap, int expiry) {
+bool PlayPerhaps(Voice& v, std::string_view file, int id, int gap, int expiry) {
   CheckFamily(id, "PlayPerhaps");
-  if (!GatePasses(v.state, v.tick, id, gap)) return;
+  if (!GatePasses(v.state, v.tick, id, gap)) return false;
   // Stamped before the enqueue: a request lost to a full ring still counts.
   v.state.LastPlayed[id] = v.tick;
   Enqueue(v, InstructorPath(v.state, file), kModeQueue, expiry, 0, "PlayPerhaps", file, id);
+  return true;
 }
 
-void PlayAndPurge(Voice& v, std::string_view file, int id, int gap) {
+bool PlayAndPurge(Voice& v, std::string_view file, int id, int gap) {
   CheckFamily(id, "PlayAndPurge");
-  if (!GatePasses(v.state, v.tick, id, gap)) return;
+  if (!GatePasses(v.state, v.tick, id, gap)) return false;
   v.state.LastPlayed[id] = v.tick;
   Enqueue(v, InstructorPath(v.state, file), kModePurge, 0, 0, "PlayAndPurge", file, id);
+  return true;
 }
 
 void PlayAlways(Voice& v, std::string_view file) {

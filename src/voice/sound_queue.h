@@ -78,7 +78,9 @@ struct SoundState {
   std::string CaptionBuffer;
   bool Muted = false;
 
-  std::string SoundRoot;   // program root folder, ends in "\"
+  // The folder holding Sound\ and SoundCard.dat (the program's root), ends
+  // in "\".
+  std::string SoundRoot;
   std::string Instructor;  // folder name below "Sound\"
   std::vector<std::string> Instructors;
 
@@ -108,8 +110,11 @@ void InitSound(SoundState& s);
 // "Sound\" + instructor + "\" + file: a file of the chosen instructor.
 std::string InstructorPath(const SoundState& s, std::string_view file);
 
-void PlayPerhaps(Voice& v, std::string_view file, int id, int gap, int expiry);
-void PlayAndPurge(Voice& v, std::string_view file, int id, int gap);
+// The gated operations: the family `id` speaks again only once `gap` ticks
+// have run since it last did. True when the gate passed and the file was
+// asked for.
+bool PlayPerhaps(Voice& v, std::string_view file, int id, int gap, int expiry);
+bool PlayAndPurge(Voice& v, std::string_view file, int id, int gap);
 void PlayAlways(Voice& v, std::string_view file);
 void PlayAlwaysRoot(Voice& v, std::string_view file);
 // A path below the program root ("Locations\Harbour.wav"); `by` and `file`

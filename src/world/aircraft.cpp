@@ -69,14 +69,30 @@ void SetTypeOptions(AircraftValues& a, AircraftType t, bool is) {
     a.Monitoring.BoeingEnabled[static_cast<size_t>(b.further[static_cast<size_t>(i)])] = is;
 }
 
-double PageNumber(const std::string& text) {
-  return INIValueNumber(text).value_or(0);
+// No aircraft flies near these: a figure beyond them is a damaged file, and
+// counts as the field's default 0, so that no sum of speeds can overflow.
+constexpr double kHighestProfileSpeed = 1000;  // knots
+constexpr double kHighestFlapAngle = 90;       // degrees
+
+double PageNumber(const std::string& text, double highest = kHighestProfileSpeed) {
+  const double x = INIValueNumber(text).value_or(0);
+  return x >= 0 && x <= highest ? x : 0;
 }
 
 }  // namespace
 
 bool AircraftValues::WantType(AircraftType t) const {
   return IsType(t) && Monitoring.Boeing[static_cast<size_t>(BoxesOf(t).mainBox)];
+}
+
+bool AircraftValues::IsJet() const {
+  return IsType(AircraftType::B737) || IsType(AircraftType::B757) || IsType(AircraftType::Lear45) ||
+         IsType(AircraftType::CRJ700);
+}
+
+bool AircraftValues::WantJet() const {
+  return WantType(AircraftType::B737) || WantType(AircraftType::B757) ||
+         WantType(AircraftType::Lear45) || WantType(AircraftType::CRJ700);
 }
 
 bool ProfileIsEstimated(const AircraftValues& a) {
@@ -230,6 +246,14 @@ void SetOtterOptions(AircraftValues& a, const AircraftIdentity& id) {
 }
 
 void SetAircraftTypeOptions(AircraftValues& a, const AircraftIdentity& id) {
+  if (a.TypeTestedFor == id) {
+    for (int t = 0; t < kAircraftTypes; ++t) {
+      const auto type = static_cast<AircraftType>(t);
+      SetTypeOptions(a, type, a.IsType(type));
+    }
+    return;
+  }
+  a.TypeTestedFor = id;
   Set737Options(a, id);
   SetC172Options(a, id);
   SetC152Options(a, id);
@@ -282,7 +306,7 @@ void SetupAircraftValues(AircraftValues& a) {
   int32_t lastSpeed = 0;
   for (int i = 1; i <= kFlapPositions; ++i) {
     const size_t page = static_cast<size_t>(i - 1);
-    int32_t angle = CLng(PageNumber(raw.FlapPos[page]) * 256 + 10);
+    int32_t angle = CLng(PageNumber(raw.FlapPos[page], kHighestFlapAngle) * 256 + 10);
     if (angle > 10) {
       lastAngle = angle;
     } else {

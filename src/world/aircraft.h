@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -75,6 +76,15 @@ struct MonitoringOptions {
   std::array<bool, kMiscDataFrames + 1> MiscDataEnabled{};  // frames 1..13
 };
 
+// What the type tests look at.
+struct AircraftIdentity {
+  std::string AirFile;      // full path of the simulator's aircraft file, "\" separated
+  std::string Title;        // aircraft title
+  std::string AtcType;      // ATC model string
+  bool RunningFSX = false;  // the simulator is FSX or Prepar3D
+  bool operator==(const AircraftIdentity&) const = default;
+};
+
 struct AircraftValues {
   // Working values, written only by SetupAircraftValues.
   int32_t StallCruise = 0;
@@ -108,21 +118,23 @@ struct AircraftValues {
   // panel bypasses the standard offsets.
   bool NotPMDG = true;
   bool NotFeelThere = true;
+  // The aircraft the raw tests above were last worked out for: the type
+  // changes only with the title and the folder, so a tick of the same
+  // aircraft keeps the answers.
+  std::optional<AircraftIdentity> TypeTestedFor;
 
   bool IsType(AircraftType t) const { return Is[static_cast<size_t>(t)]; }
   bool WantType(AircraftType t) const;
+  // One of the four jets (737, 757, Learjet 45, CRJ 700) by the raw tests.
+  bool IsJet() const;
+  // The same, with the type's monitoring box: the jets' own procedures apply.
+  bool WantJet() const;
+  // The profile gives a first flap position.
+  bool HasFlaps() const { return FlapAngleLimit[1] > 0; }
 };
 
 // The profile came from the simulator's aircraft.cfg, so its speeds are estimates.
 bool ProfileIsEstimated(const AircraftValues& a);
-
-// What the type tests look at.
-struct AircraftIdentity {
-  std::string AirFile;      // full path of the simulator's aircraft file, "\" separated
-  std::string Title;        // aircraft title
-  std::string AtcType;      // ATC model string
-  bool RunningFSX = false;  // the simulator is FSX or Prepar3D
-};
 
 // Name of the folder that holds the aircraft file: how profiles are named and
 // most types are told.
@@ -167,7 +179,8 @@ void SetLear45Options(AircraftValues& a, const AircraftIdentity& id);
 void SetDC3Options(AircraftValues& a, const AircraftIdentity& id);
 void SetCRJOptions(AircraftValues& a, const AircraftIdentity& id);
 void SetOtterOptions(AircraftValues& a, const AircraftIdentity& id);
-// All thirteen, in the order of the tick.
+// All thirteen, in the order of the tick; for the aircraft tested last, only
+// the enabled states are set again from the kept answers.
 void SetAircraftTypeOptions(AircraftValues& a, const AircraftIdentity& id);
 
 // Clears the four flags; every flap position "0.0", every flap speed "0".

@@ -43,6 +43,58 @@ TEST_F(FilesTest, AtomicWriteReplacesWholeAndLeavesNoTemporary) {
   EXPECT_FALSE(WriteFileAtomic(Root() + "no-such-folder/x.ini", "x"));
 }
 
+// A set of files is written whole or not at all; a failure names the file
+// and the system's reason, and the old files stand.
+TEST_F(FilesTest, FilesWrittenTogetherAreAllWrittenOrNone) {
+  struct Case {
+    const char* what;
+    const char* blocker;  // a folder made where this file belongs
+    std::string want;     // the answer after the root
+  };
+  const Case cases[] = {
+      {"both written", nullptr, ""},
+      {"the log book is a folder", "Kate.htm", "Kate.htm: cannot be written (Is a directory)"},
+      {"the log is a folder", "Kate.dat", "Kate.dat: cannot be written (Is a directory)"},
+  };
+  for (const Case& c : cases) {
+    fs::remove_all(dir_ / "Kate.dat");
+    fs::remove_all(dir_ / "Kate.htm");
+    std::ofstream(dir_ / "Kate.dat") << "old row";
+    std::ofstream(dir_ / "Kate.htm") << "old book";
+    if (c.blocker != nullptr) {
+      fs::remove(dir_ / c.blocker);
+      fs::create_directories(dir_ / c.blocker);
+    }
+    const std::string answer =
+        WriteFilesTogether({{Root() + "Kate.dat", "new row"}, {Root() + "Kate.htm", "new book"}});
+    EXPECT_EQ(answer, c.want.empty() ? "" : Root() + c.want) << c.what;
+    const bool written = c.want.empty();
+    const std::string blocker = c.blocker == nullptr ? "" : c.blocker;
+    if (blocker != "Kate.dat") {
+      EXPECT_EQ(ReadFile(Root() + "Kate.dat"), written ? "new row" : "old row") << c.what;
+    }
+    if (blocker != "Kate.htm") {
+      EXPECT_EQ(ReadFile(Root() + "Kate.htm"), written ? "new book" : "old book") << c.what;
+    }
+    EXPECT_EQ(RemoveStrayTemporaries(Root()), 0) << c.what;
+  }
+  // A folder where a file is expected reads as nothing, and says why.
+  std::string why;
+  EXPECT_FALSE(TryReadFile(Root() + "Kate.dat", &why).has_value());
+  EXPECT_EQ(why, Root() + "Kate.dat: cannot be read (not a file)");
+  EXPECT_EQ(ReadFile(Root() + "Kate.dat"), "");
+}
+
+TEST_F(FilesTest, StrayTemporariesOfAKilledWriteAreRemoved) {
+  std::ofstream(dir_ / "LightSpeed.dat.tmp~") << "half a row";
+  std::ofstream(dir_ / "LightSpeed.htm.TMP~") << "other name, kept";
+  std::ofstream(dir_ / "LightSpeed.dat") << "rows";
+  EXPECT_EQ(RemoveStrayTemporaries(Root()), 1);
+  EXPECT_FALSE(fs::exists(dir_ / "LightSpeed.dat.tmp~"));
+  EXPECT_TRUE(fs::exists(dir_ / "LightSpeed.dat"));
+  EXPECT_EQ(RemoveStrayTemporaries(Root() + "missing"), 0);
+}
+
 TEST(PathHelpers, BackslashPaths) {
   const std::string air = "C:\\FSX\\SimObjects\\Airplanes\\C172\\Cessna172SP.air";
   EXPECT_EQ(GetFileName(air), "Cessna172SP.air");

@@ -70,6 +70,7 @@ TEST_F(Cli, BadReplaysEndWithStatusTwoAndWriteNothing) {
   const std::string bad = Write("bad.vrec", "vantoro-recording 1\ntick\nu8 0366 300\n");
   const std::string pilot = Write("Pilot.plt", "[Pilot]\n");
   const std::string root = testing::DataRoot();
+  const std::string kHelp = "Run with --help for the options.\n";
   struct Case {
     CommandArgs args;
     std::string error;
@@ -78,11 +79,13 @@ TEST_F(Cli, BadReplaysEndWithStatusTwoAndWriteNothing) {
       {{bad, "--root", root, "--pilot", pilot},
        bad + ":3: value 300 is out of range for u8 (0..255)\n"},
       {{Path("none.vrec"), "--root", root}, Path("none.vrec") + ": no such recording\n"},
-      {{}, "vantoro-cli replay: which recording? vantoro-cli replay RECORDING [options]\n"},
-      {{good, good}, "vantoro-cli replay: one recording only ('" + good + "' is one too many)\n"},
-      {{good, "--speed", "2"}, "vantoro-cli replay: unknown option '--speed'\n"},
-      {{good, "--seed", "x"}, "vantoro-cli replay: --seed needs a whole number, not 'x'\n"},
-      {{good, "--root"}, "vantoro-cli replay: option --root needs a value\n"},
+      {{}, "vantoro-cli replay: RECORDING is required\n" + kHelp},
+      {{good, good},
+       "vantoro-cli replay: not an option or argument of this command: " + good + "\n" + kHelp},
+      {{good, "--speed", "2"},
+       "vantoro-cli replay: not an option or argument of this command: --speed 2\n" + kHelp},
+      {{good, "--seed", "x"}, "vantoro-cli replay: Could not convert: --seed = x\n" + kHelp},
+      {{good, "--root"}, "vantoro-cli replay: --root: 1 required TEXT missing\n" + kHelp},
       {{good, "--root", Path("nowhere")},
        "vantoro-cli replay: no program root folder at " + Path("nowhere") + "\n"},
       {{good, "--root", root, "--pilot", Path("nobody.plt")},

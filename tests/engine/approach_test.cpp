@@ -78,8 +78,28 @@ struct Bench {
   }
   Cockpit c() {
     Cockpit k = rig.instructor.cockpit();
-    return Cockpit{k.link,     k.flight,  k.sound, k.aircraft, k.world,  k.plan,  k.scores,
-                   k.approach, k.options, k.sim,   k.audio,    k.events, k.clock, random};
+    return Cockpit{.link = k.link,
+                   .flight = k.flight,
+                   .sound = k.sound,
+                   .aircraft = k.aircraft,
+                   .world = k.world,
+                   .plan = k.plan,
+                   .scores = k.scores,
+                   .approach = k.approach,
+                   .procedures = k.procedures,
+                   .checklists = k.checklists,
+                   .circuit = k.circuit,
+                   .failures = k.failures,
+                   .traffic = k.traffic,
+                   .voiceCommands = k.voiceCommands,
+                   .route = k.route,
+                   .options = k.options,
+                   .root = k.root,
+                   .sim = k.sim,
+                   .audio = k.audio,
+                   .events = k.events,
+                   .clock = k.clock,
+                   .random = random};
   }
   FSData& now() { return rig.instructor.link.Now(); }
   FSData& before() { return rig.instructor.link.Records[rig.instructor.link.PreviousRecord]; }

@@ -37,7 +37,7 @@ PilotRecord Everything() {
   r.WantTaxiInWindAdvice = r.MonitorUseOfLights = r.PauseWarning = false;
   r.FailureSlider = 75;
   r.PauseGap = 120;
-  r.PausePointsLoss = r.Basic = r.DisableSound = r.AutoNearestAirport = true;
+  r.PausePointsLoss = r.Basic = r.DisableSound = r.AnnounceNearestAirport = true;
   r.BackgroundSounds = r.Humour = r.Captions = r.MonGT = r.MonAT = false;
   r.AdviceWP = r.AdviceVORNDB = r.MonitorVOR = r.MonitorTaxiways = false;
   r.Instructor = "Anna";

@@ -35,7 +35,7 @@ Settings Filled(bool p3d) {
   s.TransitionAltitude = "6000";
   s.EndFlight = 2;
   s.LoadFSXPlanOnConnect = true;
-  s.SpokenTips = {true, false, true, false};
+  s.AviationTips = s.TaxiwayTips = false;
   s.VoiceMode = 1;
   return s;
 }
@@ -56,6 +56,21 @@ TEST(SettingsFile, SavedSettingsLoadUnchanged) {
   }
 }
 
+// The file as the program has always written it: keys in their order, CRLF
+// lines, a blank line between sections, and nothing after the last.
+TEST(SettingsFile, WrittenByteForByte) {
+  const std::string misc =
+      "\r\n[Pilot]\r\nPilotFile=\r\n\r\n[Misc]\r\nTransitionAltitude=18000\r\nEndFlight=0\r\n"
+      "LoadFSXPlanOnConnect=0\r\nGPSOverridesFlightPlan=0\r\nSpokenTips=1\r\nAviationTips=1\r\n"
+      "InstantHelp=1\r\nTaxiwayTips=1\r\n\r\n[Voice]\r\nMode=0\r\n";
+  Settings fs;
+  EXPECT_EQ(ComposeSettings(fs),
+            "[FS Folders]\r\nFS2002=\r\nFS2004=\r\nFSX=\r\nFlightPlan=\r\n" + misc);
+  Settings p3d;
+  p3d.P3DMode = true;
+  EXPECT_EQ(ComposeSettings(p3d), "[FS Folders]\r\nP3D=\r\nFlightPlan=\r\n" + misc);
+}
+
 // Each key is honoured by its own rule; what is not honoured leaves the box.
 TEST(SettingsFile, KeysHonouredByTheirRules) {
   struct Case {
@@ -74,14 +89,17 @@ TEST(SettingsFile, KeysHonouredByTheirRules) {
          EXPECT_EQ(s.EndFlight, 1);               // a 0 leaves the choice
          EXPECT_TRUE(s.LoadFSXPlanOnConnect);     // a 0 does not clear it
          EXPECT_FALSE(s.GPSOverridesFlightPlan);  // nor does "yes" set it
-         EXPECT_EQ(s.SpokenTips, (std::array<bool, 4>{true, false, false, true}));
+         EXPECT_TRUE(s.SpokenTips);               // not a number: the box stays
+         EXPECT_FALSE(s.AviationTips);            // a number other than 1 clears it
+         EXPECT_FALSE(s.InstantHelp);
+         EXPECT_TRUE(s.TaxiwayTips);
          EXPECT_EQ(s.VoiceMode, 0);  // no mode at all: off
        }},
       {"[Misc]\nEndFlight=2\nGPSOverridesFlightPlan=1\nInstantHelp=1\n[Voice]\nMode=7\n",
        [](const Settings& s) {
          EXPECT_EQ(s.EndFlight, 2);
          EXPECT_TRUE(s.GPSOverridesFlightPlan);
-         EXPECT_TRUE(s.SpokenTips[2]);
+         EXPECT_TRUE(s.InstantHelp);
          EXPECT_EQ(s.VoiceMode, 2);  // out of range: the list stays
        }},
       {"[Misc] extra\nEndFlight=2\n",  // another section
@@ -93,7 +111,7 @@ TEST(SettingsFile, KeysHonouredByTheirRules) {
     s.TransitionAltitude = "5000";
     s.EndFlight = 1;
     s.LoadFSXPlanOnConnect = true;
-    s.SpokenTips = {true, true, false, true};
+    s.InstantHelp = false;
     s.VoiceMode = 2;
     ReadSettings(ParseINIText(c.text, true), s);
     SCOPED_TRACE(c.text);

@@ -62,6 +62,11 @@ TEST(AircraftTypes, OptionsEnableTheTypesBoxesAndWantNeedsTheMainBox) {
   EXPECT_FALSE(a.WantType(T::C182));
   a.Monitoring.Boeing[13] = true;
   EXPECT_TRUE(a.WantType(T::C182));
+  // The same aircraft on the next tick: the kept answers enable its boxes again.
+  a.Monitoring.BoeingEnabled.fill(false);
+  SetAircraftTypeOptions(a, Identity("C182", "Cessna Skylane"));
+  EXPECT_TRUE(a.Monitoring.BoeingEnabled[13]);
+  EXPECT_TRUE(a.WantType(T::C182));
   // Another aircraft: the boxes go grey and the rules stop.
   SetAircraftTypeOptions(a, Identity("PMDG_737NGX", "Boeing 737"));
   EXPECT_FALSE(a.Monitoring.BoeingEnabled[13]);
@@ -95,6 +100,12 @@ TEST(SetupAircraftValues, WorkingValuesAndTheTypeOverrides) {
        {"StallCruise=77", "StallLandingPlus20=91", "FlapSpeedLimit1=135", "FlapSpeedLimit2=99",
         "FlapSpeedLimit4=97", "FlapSpeedLimit5=120"}},
       {"Baron monitored", "Beech_Baron_58", true, {}, {}, {"GearSpeedLimit=152"}},
+      // A damaged file's huge figures count as absent: no sum overflows into a
+      // landing score of two thousand million.
+      {"figures beyond any aircraft", "C172", false, {"2147483647", "-20", "30"},
+       {"2147483647", "1e9", "90"},
+       {"FlapAngleLimit1=0", "FlapAngleLimit2=0", "FlapAngleLimit3=7690", "FlapSpeedLimit1=0",
+        "FlapSpeedLimit3=90"}},
   };
   // clang-format on
   for (const Case& c : cases) {
@@ -109,6 +120,10 @@ TEST(SetupAircraftValues, WorkingValuesAndTheTypeOverrides) {
     SetupAircraftValues(a);
     ExpectLines(a, c.want, c.what);
   }
+  AircraftValues huge;
+  huge.Raw.IASStallLanding = huge.Raw.MaxGearExtension = "2147483647";
+  SetupAircraftValues(huge);
+  ExpectLines(huge, {"StallLanding=0", "StallLandingPlus20=20", "GearSpeedLimit=0"}, "huge stall");
 }
 
 }  // namespace

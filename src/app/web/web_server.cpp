@@ -9,6 +9,7 @@
 #include <random>
 #include <utility>
 
+#include "app/web/flight_plan_page.h"
 #include "app/web/flight_plots.h"
 #include "app/web/web_api.h"
 #include "base/files.h"
@@ -472,6 +473,11 @@ void WebServer::Routes(httplib::Server& server) {
   post("/api/aircraft/source", web::ChooseSourceAction);
   post("/api/aircraft/profile", web::SaveProfileAction);
   post("/api/aircraft/monitoring", web::MonitoringAction);
+  get("/api/flightplan", web::FlightPlanPage);
+  post("/api/flightplan/upload", web::UploadFlightPlanAction);
+  post("/api/flightplan/load", web::LoadFolderFlightPlanAction);
+  post("/api/flightplan/read", web::ReadSimulatorFlightPlanAction);
+  post("/api/flightplan/clear", web::ClearFlightPlanAction);
 
   // The log book: the pilot's files, read here, never written.
   auto pilotFiles = [this](Response& res) -> std::optional<json> {
