@@ -7,6 +7,8 @@
 const MODE_NAMES = {Taxiing: 'Taxiing', TakeOff: 'Taking off', Cruise: 'Cruise', Landing: 'Landing',
   none: 'No flight mode'};
 const MAX_LINES = 300;
+// Pieces of one sentence follow each other within this many ticks.
+const JOIN_TICKS = 6;
 let lastReports = [];
 
 function clockOf(tick) {
@@ -80,10 +82,20 @@ function onEvent(e) {
     case 'spoken': {
       // A remark already shows this caption, coloured: it is now being said.
       const remark = recentLine(ev.file, li => li.classList.contains('remark') && !li.dataset.spoken);
+      const text = ev.caption || ev.file;
+      const last = document.querySelector('#captions li');
       if (remark) {
         remark.dataset.spoken = '1';
+      } else if (last && last.dataset.plain && !/[.!?]$/.test(last.dataset.text) &&
+                 ev.tick - Number(last.dataset.tick) <= JOIN_TICKS) {
+        // A sentence spoken in pieces (numbers, names) reads as one line.
+        last.dataset.text += ' ' + text;
+        last.querySelector('.text').textContent = last.dataset.text;
       } else {
-        addLine(ev.tick, ev.caption || ev.file, ev.missing ? 'missing' : '', ev.file);
+        const li = addLine(ev.tick, text, ev.missing ? 'missing' : '', ev.file);
+        li.dataset.plain = '1';
+        li.dataset.text = text;
+        li.dataset.tick = String(ev.tick);
       }
       break;
     }
