@@ -41,7 +41,7 @@ constexpr std::array<PilotBox, 26> kPilotBoxes = {{
     {"AdviceWP", &PilotRecord::AdviceWP},
     {"AdviceVORNDB", &PilotRecord::AdviceVORNDB},
     {"MonitorVOR", &PilotRecord::MonitorVOR},
-    {"AutoNearestAirport", &PilotRecord::AutoNearestAirport},
+    {"AutoNearestAirport", &PilotRecord::AnnounceNearestAirport},
     {"MonitorTaxiways", &PilotRecord::MonitorTaxiways},
     {"InstructorNoticesFailures", &PilotRecord::InstructorNoticesFailures},
     {"AutoDetectModeCruise", &PilotRecord::AutoDetectModeCruise},
@@ -423,7 +423,7 @@ json SettingsPage(Instructor& in) {
   set["EndFlight"] = s.EndFlight;
   set["LoadFSXPlanOnConnect"] = s.LoadFSXPlanOnConnect;
   set["GPSOverridesFlightPlan"] = s.GPSOverridesFlightPlan;
-  set["SpokenTips"] = s.SpokenTips;
+  set["SpokenTips"] = {s.SpokenTips, s.AviationTips, s.InstantHelp, s.TaxiwayTips};
   set["VoiceMode"] = s.VoiceMode;
   j["settings"] = set;
   j["endFlightLabels"] = kEndFlightLabels;
@@ -488,11 +488,11 @@ json EditSettings(Instructor& in, const json& body) {
           (k == "LoadFSXPlanOnConnect" ? s.LoadFSXPlanOnConnect : s.GPSOverridesFlightPlan) =
               v.get<bool>();
       } else if (k == "SpokenTips") {
-        good = v.is_array() && v.size() == s.SpokenTips.size();
-        for (size_t i = 0; good && i < s.SpokenTips.size(); ++i) {
-          good = v[i].is_boolean();
-          if (good) s.SpokenTips[i] = v[i].get<bool>();
-        }
+        // The four boxes of spoken tips, in the order the page shows them.
+        bool* const boxes[] = {&s.SpokenTips, &s.AviationTips, &s.InstantHelp, &s.TaxiwayTips};
+        good = v.is_array() && v.size() == std::size(boxes);
+        for (size_t i = 0; good && i < std::size(boxes); ++i) good = v[i].is_boolean();
+        for (size_t i = 0; good && i < std::size(boxes); ++i) *boxes[i] = v[i].get<bool>();
       } else {
         return Refusal(400, "unknown or fixed setting \"" + k + "\"");
       }
