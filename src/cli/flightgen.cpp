@@ -62,6 +62,7 @@
 #include <vector>
 
 #include "base/seams.h"
+#include "link/offset_encoder.h"
 #include "link/recording.h"
 
 namespace vantoro {
@@ -72,8 +73,6 @@ constexpr double kTickSeconds = 0.5;
 constexpr double kPi = 3.14159265358979323846;
 // One degree of great circle is 60 nautical miles, as the instructor measures.
 constexpr double kEarthRadiusNm = 60.0 * 180.0 / kPi;
-constexpr double kFeetPerMetre = 3.28084;
-constexpr double kKnotsPerMetrePerSecond = 1.943844;
 constexpr double kFeetPerSecondPerKnot = 1.687810;
 // A phase without "for" that has not ended after this long is a script fault.
 constexpr int kMaxPhaseTicks = 4 * 3600 * 2;
@@ -277,15 +276,6 @@ double Radians(double d) {
 
 double Degrees(double r) {
   return r * 180.0 / kPi;
-}
-
-bool IsLeap(int y) {
-  return (y % 4 == 0 && y % 100 != 0) || y % 400 == 0;
-}
-
-int DayOfYear(const WallTime& t) {
-  static const int kBefore[] = {0, 31, 59, 90, 120, 151, 181, 212, 243, 273, 304, 334};
-  return kBefore[t.month - 1] + t.day + (t.month > 2 && IsLeap(t.year) ? 1 : 0);
 }
 
 // ---------------------------------------------------------------------------
@@ -532,34 +522,13 @@ bool ScriptReader::Read(std::string_view script, std::vector<ScriptLine>& out, s
 // ---------------------------------------------------------------------------
 // Flying it.
 
-struct Aircraft {
-  // Setting.
-  std::string title = "Cessna Skyhawk 172SP";
-  std::string path;
-  int engines = 1;
-  bool retractable = false;
-  double fuelCapacity = 28;  // per main tank, US gallons
-  double fuelLeft = 24, fuelRight = 24;
-  double lat = 0, lon = 0;
-  double fieldElevation = 0;  // feet
-  double magvar = 0;          // east positive
-  double windFrom = 0, windSpeed = 0;
-  int obs = 0;
+// The values the offsets are written from, and the script's starting clock.
+struct Aircraft : AircraftValues {
+  Aircraft() {
+    title = "Cessna Skyhawk 172SP";
+    fuelLeft = fuelRight = 24;
+  }
   WallTime clock{2026, 6, 14, 9, 0, 0};
-
-  // Motion.
-  bool onGround = true;
-  double heading = 0;  // true
-  double height = 0;   // feet above the field
-  double ias = 0, gs = 0, tas = 0;
-  double vs = 0;  // feet per minute
-  double pitch = 0, bank = 0;
-  double throttle = 0, flaps = 0;
-  bool firing = false, mixtureRich = false;
-  bool gearDown = true, brake = true, battery = true, avionics = true;
-  int lights = 0;
-  bool paused = false, crashed = false;
-  double simRate = 1;
 };
 
 // What the phase under way aims at.
@@ -581,17 +550,23 @@ struct Targets {
 };
 
 // Typed offset writes, each written only when its bytes change.
-class Output {
+class Output final : public OffsetSink {
  public:
   explicit Output(std::string& text) : text_(text) {}
 
-  void U8(uint32_t o, uint64_t v) { Put(o, "u8", 1, v, std::to_string(v)); }
-  void U16(uint32_t o, uint64_t v) { Put(o, "u16", 2, v, std::to_string(v)); }
-  void U32(uint32_t o, uint64_t v) { Put(o, "u32", 4, v, std::to_string(v)); }
-  void I16(uint32_t o, int64_t v) { Put(o, "i16", 2, static_cast<uint64_t>(v), std::to_string(v)); }
-  void I32(uint32_t o, int64_t v) { Put(o, "i32", 4, static_cast<uint64_t>(v), std::to_string(v)); }
-  void I64(uint32_t o, int64_t v) { Put(o, "i64", 8, static_cast<uint64_t>(v), std::to_string(v)); }
-  void Str(uint32_t o, const std::string& s) {
+  void U8(uint32_t o, uint64_t v) override { Put(o, "u8", 1, v, std::to_string(v)); }
+  void U16(uint32_t o, uint64_t v) override { Put(o, "u16", 2, v, std::to_string(v)); }
+  void U32(uint32_t o, uint64_t v) override { Put(o, "u32", 4, v, std::to_string(v)); }
+  void I16(uint32_t o, int64_t v) override {
+    Put(o, "i16", 2, static_cast<uint64_t>(v), std::to_string(v));
+  }
+  void I32(uint32_t o, int64_t v) override {
+    Put(o, "i32", 4, static_cast<uint64_t>(v), std::to_string(v));
+  }
+  void I64(uint32_t o, int64_t v) override {
+    Put(o, "i64", 8, static_cast<uint64_t>(v), std::to_string(v));
+  }
+  void Str(uint32_t o, const std::string& s) override {
     auto it = strings_.find(o);
     if (it != strings_.end() && it->second == s) return;
     strings_[o] = s;
@@ -1095,7 +1070,7 @@ WallTime Generator::SimulatorTime() const {
   t.second = static_cast<double>(ofDay % 60);
   for (; days > 0; --days) {
     static const int kDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-    const int inMonth = t.month == 2 && IsLeap(t.year) ? 29 : kDays[t.month - 1];
+    const int inMonth = t.month == 2 && IsLeapYear(t.year) ? 29 : kDays[t.month - 1];
     if (++t.day <= inMonth) continue;
     t.day = 1;
     if (++t.month <= 12) continue;
@@ -1111,86 +1086,9 @@ void Generator::WriteTick() {
     text_ += "clock " + FormatIsoTime(a_.clock) + "\n";
     clockPending_ = false;
   }
-  const Aircraft& a = a_;
-  const double metresMsl = (a.fieldElevation + a.height) / kFeetPerMetre;
-  const double groundMetres = a.fieldElevation / kFeetPerMetre;
-
   // The simulator clock, carried across midnight and the year's end.
-  const WallTime now = SimulatorTime();
-  const int second = static_cast<int>(now.second);
-
-  out_.I32(0x0020, Round(groundMetres * 256));
-  out_.U8(0x0238, now.hour);
-  out_.U8(0x0239, now.minute);
-  out_.U8(0x023A, second);
-  out_.U8(0x023B, now.hour);
-  out_.U8(0x023C, now.minute);
-  out_.U16(0x023E, DayOfYear(now));
-  out_.U16(0x0240, now.year);
-  out_.U16(0x0264, a.paused ? 1 : 0);
-  out_.U16(0x02A0, static_cast<uint64_t>(Round(Wrap360(a.magvar) * 65536.0 / 360.0)) & 0xFFFF);
-  out_.U32(0x02B4, Round(a.gs / kKnotsPerMetrePerSecond * 65536.0));
-  out_.U32(0x02B8, Round(a.tas * 128.0));
-  out_.U32(0x02BC, Round(a.ias * 128.0));
-  out_.I32(0x02C8, Round(a.vs / kFeetPerMetre / 60.0 * 256.0));
-  out_.U16(0x0330, 16212);  // 1013.25 hPa
-  out_.U16(0x0366, a.onGround ? 1 : 0);
-  out_.I64(0x0560, Round(a.lat * 10001750.0 * 65536.0 * 65536.0 / 90.0));
-  const double lonRaw = a.lon * 18446744073709551616.0 / 360.0;
-  out_.I64(0x0568, lonRaw >= 9.2233720368547758e18 ? INT64_MAX : Round(lonRaw));
-  const double metresFloor = std::floor(metresMsl);
-  out_.U32(0x0570, Round((metresMsl - metresFloor) * 4294967295.0));
-  out_.I32(0x0574, static_cast<int64_t>(metresFloor));
-  // Nose up and right wing down are negative in the simulator's words.
-  out_.I32(0x0578, Round(-a.pitch / 360.0 * 4294967296.0));
-  out_.I32(0x057C, Round(-a.bank / 360.0 * 4294967296.0));
-  out_.U32(0x0580, static_cast<uint64_t>(Round(a.heading / 360.0 * 4294967296.0)) & 0xFFFFFFFF);
-  out_.U8(0x0609, 0);  // piston
-  out_.U16(0x0778, a.retractable ? 1 : 0);
-  out_.U16(0x0840, a.crashed ? 1 : 0);
-  out_.I16(0x0842, Round(-a.vs / kFeetPerMetre));
-  const uint32_t engineBase[] = {0x088C, 0x0924, 0x09BC, 0x0A54};
-  for (int e = 0; e < 4; ++e) {
-    const bool fitted = e < a.engines;
-    const uint32_t b = engineBase[e];
-    out_.I16(b, fitted ? Round(a.throttle * 16384) : 0);   // throttle
-    out_.I16(b + 2, fitted ? 16384 : 0);                   // propeller
-    out_.I16(b + 4, fitted && a.mixtureRich ? 16384 : 0);  // mixture
-    out_.U16(b + 8, fitted && a.firing ? 1 : 0);           // combustion
-  }
-  out_.U16(0x0AEC, a.engines);
-  out_.U16(0x0AF4, 6 * 256);  // avgas, 6 pounds a gallon
-  out_.U16(0x0AF8, 1);        // fuel selector: both
-  auto tank = [&](uint32_t level, double gallons) {
-    out_.U32(level, Round(gallons / a.fuelCapacity * 100.0 * 83886.0));
-    out_.U32(level + 4, Round(a.fuelCapacity));
-  };
-  tank(0x0B7C, a.fuelLeft);
-  tank(0x0B94, a.fuelRight);
-  out_.U16(0x0BC8, a.brake ? 32767 : 0);
-  out_.U32(0x0BE8, a.gearDown ? 16383 : 0);
-  for (uint32_t g : {0x0BECu, 0x0BF0u, 0x0BF4u}) out_.U32(g, a.gearDown ? 16383 : 0);
-  out_.U32(0x0BDC, Round(std::min(a.flaps, 40.0) / 40.0 * 16383));
-  out_.U16(0x0C1A, Round(a.simRate * 256));
-  out_.U16(0x0C4E, a.obs);
-  out_.U16(0x0D0C, a.lights);
-  out_.U16(0x0E8A, 1000);  // ten miles
-  out_.U16(0x0E90, Round(a.windSpeed));
-  out_.U16(0x0E92, static_cast<uint64_t>(Round(TrueOf(a.windFrom) * 65536.0 / 360.0)) & 0xFFFF);
-  out_.U16(0x0EF0, Round(a.windSpeed));
-  out_.U16(0x0EF2, static_cast<uint64_t>(Round(Wrap360(a.windFrom) * 65536.0 / 360.0)) & 0xFFFF);
-  out_.U8(0x115E, now.hour >= 7 && now.hour < 19 ? 1 : (now.hour == 6 || now.hour == 19) ? 2 : 4);
-  out_.I16(0x11BA, Round(625.0 / std::cos(Radians(a.bank))));
-  out_.U32(0x281C, a.battery ? 1 : 0);
-  out_.U32(0x2E80, a.avionics ? 1 : 0);
-  out_.U16(0x30F0, Round(a.flaps * 10));
-  out_.U16(0x30F4, Round(a.flaps * 10));
-  out_.U32(0x31E4, Round(a.height / kFeetPerMetre * 65536.0));
-  out_.I32(0x3324, Round(a.fieldElevation + a.height));
-  out_.U8(0x3364, 0);
-  out_.U8(0x3365, 0);
-  out_.Str(0x3C00, a.path);
-  out_.Str(0x3D00, a.title);
+  a_.simulatorTime = SimulatorTime();
+  EncodeAircraft(a_, out_);
 
   text_ += pending_;
   pending_.clear();
