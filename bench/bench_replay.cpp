@@ -7,8 +7,8 @@
 #include <string>
 
 #include "base/events.h"
-#include "cli/flightgen.h"
 #include "cli/replay.h"
+#include "flightgen/flightgen.h"
 #include "link/recording.h"
 
 namespace vantoro {

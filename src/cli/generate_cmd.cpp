@@ -1,12 +1,12 @@
 // vantoro-cli generate SCRIPT OUT.vrec[.gz]
-// Makes a recording from a flight script (see flightgen.cpp). A script error
+// Makes a recording from a flight script (see tools/flightgen/flightgen.cpp). A script error
 // is told as "FILE:LINE: what is wrong", status 2, and nothing is written.
 #include <CLI/CLI.hpp>
 
 #include "base/files.h"
 #include "base/gzip.h"
 #include "cli/commands.h"
-#include "cli/flightgen.h"
+#include "flightgen/flightgen.h"
 #include "link/recording.h"
 
 namespace vantoro {

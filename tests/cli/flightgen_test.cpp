@@ -1,4 +1,4 @@
-#include "cli/flightgen.h"
+#include "flightgen/flightgen.h"
 
 #include <gtest/gtest.h>
 

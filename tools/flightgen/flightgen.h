@@ -3,7 +3,7 @@
 // along the great circle of its heading and ground speed, heights, speeds,
 // attitude, on-ground, engine, flaps, gear and the simulator's clock). Tests
 // make their scenario flights with it; the demo flight is made with it.
-// The script format is described at the top of flightgen.cpp and in
+// The script format is described at the top of tools/flightgen/flightgen.cpp and in
 // data/Recordings/README.md.
 #pragma once
 

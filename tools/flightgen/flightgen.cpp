@@ -50,7 +50,7 @@
 // Options that any phase and "set" take:
 //   speed K, flaps DEGREES, throttle PERCENT, gear up|down, brake on|off,
 //   battery on|off, avionics on|off, lights LIST (nav+beacon+landing+taxi+strobe, or off)
-#include "cli/flightgen.h"
+#include "flightgen/flightgen.h"
 
 #include <algorithm>
 #include <charconv>
