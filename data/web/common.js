@@ -4,7 +4,7 @@
 
 const PAGES = [
   ['index.html', 'Fly'], ['pilot.html', 'Pilot'], ['aircraft.html', 'Aircraft'],
-  ['logbook.html', 'Log book'], ['settings.html', 'Settings'],
+  ['flightplan.html', 'Flight plan'], ['logbook.html', 'Log book'], ['settings.html', 'Settings'],
 ];
 
 function buildNav() {

@@ -208,7 +208,8 @@ def run_screenshots(args):
             lambda d: "Landing scored" in " ".join(captions(d)))
         time.sleep(2)
         for page, name in [("", "fly"), ("pilot.html", "pilot"), ("aircraft.html", "aircraft"),
-                           ("settings.html", "settings"), ("logbook.html", "logbook")]:
+                           ("flightplan.html", "flightplan"), ("settings.html", "settings"),
+                           ("logbook.html", "logbook")]:
             driver.get(app.url + page)
             time.sleep(1.5)
             if name == "logbook":
