@@ -164,7 +164,7 @@ TEST(FlightPlanDamage, PassesOverWhatItCannotReadAndNamesTheLine) {
        1, "p.pln:1: flight plan point X position \"\" cannot be read; passed over"},
       {"unclosed xml", "<SimBase.Document><ATCWaypoint id=\"X\"><WorldPosition>N1* 0' 0\",E1* 0", 0,
        "p.pln:1: flight plan point X position \"\" cannot be read; passed over"},
-      {"binary", std::string("\0\xff\xfe[<ATCWaypoint \x01", 20), 0,
+      {"binary", std::string("\0\xff\xfe[<ATCWaypoint \x01", 18), 0,
        "p.pln: no flight plan points found"},
   };
   for (const Row& row : rows) {
