@@ -71,7 +71,7 @@ void ImageSink::Str(uint32_t offset, const std::string& text) {
   image_.SetString(offset, text);
 }
 
-void EncodeAircraft(const AircraftValues& a, OffsetSink& out) {
+void EncodeAircraft(const FlownAircraft& a, OffsetSink& out) {
   const double metresMsl = (a.fieldElevation + a.height) / kFeetPerMetre;
   const double groundMetres = a.fieldElevation / kFeetPerMetre;
   const WallTime& now = a.simulatorTime;

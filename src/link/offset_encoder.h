@@ -16,7 +16,7 @@ class OffsetImage;
 
 // What the encoder writes: the aircraft's state at one moment. Angles are
 // degrees, heights feet, speeds knots, vertical speed feet per minute.
-struct AircraftValues {
+struct FlownAircraft {
   std::string title;  // the simulator's aircraft title
   std::string path;   // the aircraft file, "\" separated
   int engines = 1;    // 1..4, all piston
@@ -78,7 +78,7 @@ class ImageSink final : public OffsetSink {
 };
 
 // Writes every offset the aircraft's values set, always in the same order.
-void EncodeAircraft(const AircraftValues& a, OffsetSink& out);
+void EncodeAircraft(const FlownAircraft& a, OffsetSink& out);
 
 bool IsLeapYear(int year);
 // 1 for the first of January.

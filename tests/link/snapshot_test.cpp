@@ -97,69 +97,69 @@ TEST(Snapshot, FieldsInTheInstructorsUnits) {
 TEST(Snapshot, EncodedAircraftReadsBack) {
   struct Case {
     const char* what;
-    std::function<void(AircraftValues&)> set;
+    std::function<void(FlownAircraft&)> set;
     std::function<double(const FSData&)> field;
     double expected;
     double within;
   };
   const Case cases[] = {
-      {"latitude south", [](AircraftValues& a) { a.lat = -33.9461; }, Field(&FSData::Latitude),
+      {"latitude south", [](FlownAircraft& a) { a.lat = -33.9461; }, Field(&FSData::Latitude),
        -33.9461, 1e-9},
-      {"longitude near the date line", [](AircraftValues& a) { a.lon = 179.99; },
+      {"longitude near the date line", [](FlownAircraft& a) { a.lon = 179.99; },
        Field(&FSData::Longitude), 179.99, 1e-9},
-      {"longitude west", [](AircraftValues& a) { a.lon = -1.32; }, Field(&FSData::Longitude), -1.32,
+      {"longitude west", [](FlownAircraft& a) { a.lon = -1.32; }, Field(&FSData::Longitude), -1.32,
        1e-9},
       {"altitude above sea level",
-       [](AircraftValues& a) {
+       [](FlownAircraft& a) {
          a.fieldElevation = 270;
          a.height = 1000;
        },
        Field(&FSData::Altitude), 1270, 3.3},
-      {"field elevation", [](AircraftValues& a) { a.fieldElevation = 270; },
+      {"field elevation", [](FlownAircraft& a) { a.fieldElevation = 270; },
        Field(&FSData::GroundAltitude), 270, 3.3},
-      {"height above the ground", [](AircraftValues& a) { a.height = 500; }, Field(&FSData::AGL),
+      {"height above the ground", [](FlownAircraft& a) { a.height = 500; }, Field(&FSData::AGL),
        500, 3.3},
-      {"indicated airspeed", [](AircraftValues& a) { a.ias = 65; }, Field(&FSData::IAS), 65, 0},
-      {"ground speed", [](AircraftValues& a) { a.gs = 72; }, Field(&FSData::GS), 72, 0},
-      {"climb", [](AircraftValues& a) { a.vs = 700; }, Field(&FSData::VS), 700, 3.3},
-      {"descent", [](AircraftValues& a) { a.vs = -500; }, Field(&FSData::VS), -500, 3.3},
-      {"nose up", [](AircraftValues& a) { a.pitch = 8; }, Field(&FSData::Pitch), 8, 0},
-      {"nose down", [](AircraftValues& a) { a.pitch = -3; }, Field(&FSData::Pitch), -3, 0},
-      {"right bank", [](AircraftValues& a) { a.bank = 20; }, Field(&FSData::Bank), 20, 0},
-      {"left bank", [](AircraftValues& a) { a.bank = -25; }, Field(&FSData::Bank), -25, 0},
-      {"true heading", [](AircraftValues& a) { a.heading = 358; }, Field(&FSData::TrueHeading), 358,
+      {"indicated airspeed", [](FlownAircraft& a) { a.ias = 65; }, Field(&FSData::IAS), 65, 0},
+      {"ground speed", [](FlownAircraft& a) { a.gs = 72; }, Field(&FSData::GS), 72, 0},
+      {"climb", [](FlownAircraft& a) { a.vs = 700; }, Field(&FSData::VS), 700, 3.3},
+      {"descent", [](FlownAircraft& a) { a.vs = -500; }, Field(&FSData::VS), -500, 3.3},
+      {"nose up", [](FlownAircraft& a) { a.pitch = 8; }, Field(&FSData::Pitch), 8, 0},
+      {"nose down", [](FlownAircraft& a) { a.pitch = -3; }, Field(&FSData::Pitch), -3, 0},
+      {"right bank", [](FlownAircraft& a) { a.bank = 20; }, Field(&FSData::Bank), 20, 0},
+      {"left bank", [](FlownAircraft& a) { a.bank = -25; }, Field(&FSData::Bank), -25, 0},
+      {"true heading", [](FlownAircraft& a) { a.heading = 358; }, Field(&FSData::TrueHeading), 358,
        0},
       {"magnetic heading with westerly variation",
-       [](AircraftValues& a) {
+       [](FlownAircraft& a) {
          a.heading = 10;
          a.magvar = -2;
        },
        Field(&FSData::Heading), 12, 0},
-      {"on the ground", [](AircraftValues& a) { a.onGround = true; }, Field(&FSData::OnGround), 1,
+      {"on the ground", [](FlownAircraft& a) { a.onGround = true; }, Field(&FSData::OnGround), 1,
        0},
-      {"in the air", [](AircraftValues& a) { a.onGround = false; }, Field(&FSData::OnGround), 0, 0},
-      {"flaps in tenths", [](AircraftValues& a) { a.flaps = 10; }, Field(&FSData::FlapsLeft), 100,
+      {"in the air", [](FlownAircraft& a) { a.onGround = false; }, Field(&FSData::OnGround), 0, 0},
+      {"flaps in tenths", [](FlownAircraft& a) { a.flaps = 10; }, Field(&FSData::FlapsLeft), 100,
        0},
-      {"gear down", [](AircraftValues& a) { a.gearDown = true; }, Field(&FSData::GearDown), 1, 0},
-      {"gear up", [](AircraftValues& a) { a.gearDown = false; }, Field(&FSData::GearDown), 0, 0},
-      {"twin", [](AircraftValues& a) { a.engines = 2; }, Field(&FSData::Engines), 2, 0},
-      {"engine firing", [](AircraftValues& a) { a.firing = true; }, Field(&FSData::Eng1Combustion),
+      {"gear down", [](FlownAircraft& a) { a.gearDown = true; }, Field(&FSData::GearDown), 1, 0},
+      {"gear up", [](FlownAircraft& a) { a.gearDown = false; }, Field(&FSData::GearDown), 0, 0},
+      {"twin", [](FlownAircraft& a) { a.engines = 2; }, Field(&FSData::Engines), 2, 0},
+      {"engine firing", [](FlownAircraft& a) { a.firing = true; }, Field(&FSData::Eng1Combustion),
        1, 0},
-      {"surface wind", [](AircraftValues& a) { a.windSpeed = 12; },
-       Field(&FSData::SurfaceWindSpeed), 12, 0},
-      {"NAV1 course", [](AircraftValues& a) { a.obs = 13; }, Field(&FSData::Nav1OBS), 13, 0},
-      {"paused", [](AircraftValues& a) { a.paused = true; }, Field(&FSData::Paused), 1, 0},
-      {"crashed", [](AircraftValues& a) { a.crashed = true; }, Field(&FSData::Crashed), 1, 0},
+      {"surface wind", [](FlownAircraft& a) { a.windSpeed = 12; }, Field(&FSData::SurfaceWindSpeed),
+       12, 0},
+      {"NAV1 course", [](FlownAircraft& a) { a.obs = 13; }, Field(&FSData::Nav1OBS), 13, 0},
+      {"paused", [](FlownAircraft& a) { a.paused = true; }, Field(&FSData::Paused), 1, 0},
+      {"crashed", [](FlownAircraft& a) { a.crashed = true; }, Field(&FSData::Crashed), 1, 0},
   };
   for (const Case& c : cases) {
-    AircraftValues a;
+    FlownAircraft a;
     c.set(a);
     Sim sim;
     ImageSink sink(sim.image);
     EncodeAircraft(a, sink);
     EXPECT_NEAR(c.field(sim.Decode()), c.expected, c.within) << c.what;
   }
-  AircraftValues a;
+  FlownAircraft a;
   a.title = "Cessna Skyhawk 172SP";
   Sim sim;
   ImageSink sink(sim.image);

@@ -523,7 +523,7 @@ bool ScriptReader::Read(std::string_view script, std::vector<ScriptLine>& out, s
 // Flying it.
 
 // The values the offsets are written from, and the script's starting clock.
-struct Aircraft : AircraftValues {
+struct Aircraft : FlownAircraft {
   Aircraft() {
     title = "Cessna Skyhawk 172SP";
     fuelLeft = fuelRight = 24;
