@@ -5,14 +5,10 @@
 
 #include <filesystem>
 
-#include "base/events.h"
 #include "base/files.h"
-#include "base/seams.h"
-#include "bench/quiet_audio.h"
+#include "bench/bench_instructor.h"
 #include "engine/navigation.h"
 #include "engine/polling.h"
-#include "link/image_link.h"
-#include "shell/instructor.h"
 #include "world/flight_plan.h"
 
 namespace vantoro {
@@ -32,16 +28,8 @@ void BM_ReadPlanOf200Points(benchmark::State& state) {
 BENCHMARK(BM_ReadPlanOf200Points)->Repetitions(5)->ReportAggregatesOnly(true);
 
 void BM_RouteRulesOneTick(benchmark::State& state) {
-  const std::filesystem::path root = std::filesystem::temp_directory_path() / "vantoro-bench-route";
-  std::filesystem::create_directories(root / "Sound" / "Bench");
-  OffsetImage image;
-  ImageLink link(image);
-  NoEvents events;
-  QuietAudio audio;
-  FixedClock clock;
-  SeededRandom random(1);
-  Instructor instructor(root.string() + "/",
-                        Seams{&link, {&audio, &audio}, &events, &clock, &random});
+  BenchInstructor bench("vantoro-bench-route");
+  Instructor& instructor = bench.instructor;
   ProcessFlightPlan(kTour, instructor.plan);
   // In the air at 3000 feet over the tour's start, between its points.
   instructor.link.Now().Latitude = 52.1;
@@ -54,7 +42,6 @@ void BM_RouteRulesOneTick(benchmark::State& state) {
     SuggestNavAid(c);
     benchmark::DoNotOptimize(instructor.plan.NextWaypoint);
   }
-  std::filesystem::remove_all(root);
 }
 BENCHMARK(BM_RouteRulesOneTick)->Repetitions(5)->ReportAggregatesOnly(true);
 

@@ -2,28 +2,15 @@
 // reads, the decode and every rule of the tick.
 #include <benchmark/benchmark.h>
 
-#include <filesystem>
-
-#include "base/events.h"
-#include "base/seams.h"
-#include "bench/quiet_audio.h"
-#include "link/image_link.h"
-#include "shell/instructor.h"
+#include "bench/bench_instructor.h"
 
 namespace vantoro {
 namespace {
 
 void BM_TickInCruise(benchmark::State& state) {
-  const std::filesystem::path root = std::filesystem::temp_directory_path() / "vantoro-bench-tick";
-  std::filesystem::create_directories(root / "Sound" / "Bench");
-  OffsetImage image;
-  ImageLink link(image);
-  NoEvents events;
-  QuietAudio audio;
-  FixedClock clock;
-  SeededRandom random(1);
-  Instructor instructor(root.string() + "/",
-                        Seams{&link, {&audio, &audio}, &events, &clock, &random});
+  BenchInstructor bench("vantoro-bench-tick");
+  OffsetImage& image = bench.image;
+  Instructor& instructor = bench.instructor;
 
   // A light single level at 3000 feet, 110 knots, in Cruise.
   image.SetU16(0x023E, 100);
@@ -44,7 +31,6 @@ void BM_TickInCruise(benchmark::State& state) {
     instructor.Tick();
     benchmark::DoNotOptimize(instructor.flight.TickCount);
   }
-  std::filesystem::remove_all(root);
 }
 BENCHMARK(BM_TickInCruise)->Repetitions(5)->ReportAggregatesOnly(true);
 

@@ -253,20 +253,26 @@ json Refusal(int status, std::string_view message) {
   return j;
 }
 
-json ConnectAction(Instructor& in) {
-  in.Connect();
+namespace {
+
+// What Connect and Disconnect answer: where the connection now stands.
+json ConnectionAnswer(const Instructor& in) {
   json j = Done();
   j["connected"] = in.flight.UserConnected;
   j["statusLine"] = in.flight.Status;
   return j;
 }
 
+}  // namespace
+
+json ConnectAction(Instructor& in) {
+  in.Connect();
+  return ConnectionAnswer(in);
+}
+
 json DisconnectAction(Instructor& in) {
   in.Disconnect();
-  json j = Done();
-  j["connected"] = in.flight.UserConnected;
-  j["statusLine"] = in.flight.Status;
-  return j;
+  return ConnectionAnswer(in);
 }
 
 json PilotPage(Instructor& in) {
