@@ -4,33 +4,14 @@
 // approach rules alone on the same records.
 #include <benchmark/benchmark.h>
 
-#include <filesystem>
-
-#include "base/events.h"
-#include "base/seams.h"
-#include "bench/quiet_audio.h"
+#include "bench/bench_instructor.h"
 #include "engine/approach.h"
-#include "link/image_link.h"
-#include "shell/instructor.h"
 
 namespace vantoro {
 namespace {
 
-struct OnFinal {
-  std::filesystem::path root = std::filesystem::temp_directory_path() / "vantoro-bench-approach";
-  OffsetImage image;
-  ImageLink link{image};
-  NoEvents events;
-  QuietAudio audio;
-  FixedClock clock;
-  SeededRandom random{1};
-  Instructor instructor{Root(), Seams{&link, {&audio, &audio}, &events, &clock, &random}};
-
-  std::string Root() {
-    std::filesystem::create_directories(root / "Sound" / "Bench");
-    return root.string() + "/";
-  }
-  OnFinal() {
+struct OnFinal : BenchInstructor {
+  OnFinal() : BenchInstructor("vantoro-bench-approach") {
     image.SetU16(0x023E, 100);
     image.SetU8(0x023B, 12);
     image.SetU16(0x0C1A, 256);
@@ -54,7 +35,6 @@ struct OnFinal {
     r.Width = 150;
     SetDestinationRunway(instructor.flight.approach, instructor.approach, r, 0);
   }
-  ~OnFinal() { std::filesystem::remove_all(root); }
 };
 
 void BM_TickOnFinal(benchmark::State& state) {
