@@ -2,6 +2,7 @@
 
 #include <zlib.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 
@@ -26,12 +27,27 @@ bool InflatedTooFar(size_t inflated, size_t consumed, const InflateLimits& limit
          inflated / (consumed == 0 ? 1 : consumed) > limits.MaxRatio;
 }
 
+// A gzip member ends with its CRC and its inflated size, four bytes each.
+constexpr size_t kGzipTrailer = 8;
+// Real text inflates a few times over; a trailer that claims more is not
+// trusted with memory before the text shows itself.
+constexpr size_t kBelievedRatio = 16;
+
 InflateResult InflateLimited(std::string_view data, std::string& out, const InflateLimits& limits) {
   out.clear();
   if (!IsGzip(data)) {
     if (data.size() > limits.MaxBytes) return InflateResult::TooLarge;
     out.assign(data);
     return InflateResult::Ok;
+  }
+  // The last member's trailer tells its inflated size: room for it is made at
+  // once, so that a large world file is not copied again each time the text
+  // grows. A size out of proportion to the data is not believed.
+  if (data.size() >= kGzipTrailer) {
+    const auto* end = reinterpret_cast<const unsigned char*>(data.data() + data.size());
+    const size_t told =
+        size_t{end[-4]} | size_t{end[-3]} << 8 | size_t{end[-2]} << 16 | size_t{end[-1]} << 24;
+    out.reserve(std::min({told, data.size() * kBelievedRatio, limits.MaxBytes}));
   }
   z_stream z{};
   if (inflateInit2(&z, 16 + MAX_WBITS) != Z_OK) return InflateResult::Damaged;
