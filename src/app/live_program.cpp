@@ -99,8 +99,7 @@ void LiveProgram::Note(const std::string& text) {
 }
 
 void LiveProgram::Tell(const Notice& n) {
-  events_.Emit(instructor_->flight.TickCount, "notice",
-               {{"text", NoticeText(n)}, {"file", n.file}});
+  events_.Emit(NoticeEvent(instructor_->flight.TickCount, n));
 }
 
 void LiveProgram::StartUp(std::string_view pilotFile) {

@@ -37,8 +37,9 @@ bool ParseCommandLine(CLI::App& app, const CommandArgs& args, CliContext& cli, i
     cli.out << app.help();
     status = kExitOk;
     return false;
-  } catch (const CLI::ExtrasError&) {
+  } catch (const CLI::ExtrasError& e) {
     // Told in the order given (the library's own text lists them backwards).
+    const std::string told = e.what();
     app.allow_extras();
     app.clear();
     try {
@@ -47,8 +48,9 @@ bool ParseCommandLine(CLI::App& app, const CommandArgs& args, CliContext& cli, i
       // Only the extras are told.
     }
     std::string extras;
-    for (const std::string& w : app.remaining()) extras += (extras.empty() ? "" : " ") + w;
-    cli.err << app.get_name() << ": not an option or argument of this command: " << extras
+    for (const std::string& w : app.remaining(true)) extras += (extras.empty() ? "" : " ") + w;
+    cli.err << app.get_name() << ": "
+            << (extras.empty() ? told : "not an option or argument of this command: " + extras)
             << "\nRun with --help for the options.\n";
     status = kExitBadInput;
     return false;

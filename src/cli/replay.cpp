@@ -28,8 +28,7 @@ Replay::Replay(const ReplaySetup& setup, Events& events)
   start.OpenAircraftData();
   if (!setup.logFolder.empty()) start.OpenLogFolder(setup.logFolder);
   notices_ = start.notices();
-  for (const Notice& n : notices_)
-    events_.Emit(0, "notice", {{"text", NoticeText(n)}, {"file", n.file}});
+  for (const Notice& n : notices_) events_.Emit(NoticeEvent(0, n));
 }
 
 void Replay::Step(const RecordingStep& step) {
