@@ -18,9 +18,9 @@
 #include "app/data_root.h"
 #include "app/live_program.h"
 #include "app/web/web_server.h"
-#include "cli/commands.h"
 #include "link/platform_link.h"
 #include "link/recording.h"
+#include "shell/program_folder.h"
 
 namespace vantoro {
 namespace {
@@ -186,8 +186,7 @@ int Main(int argc, char** argv) {
   std::string root = o.root;
   if (root.empty()) {
     std::string note, error;
-    CliContext context{argv[0], std::cout, std::cerr};
-    root = ChooseDataRoot(DefaultRoot(context), UserDataFolder(), note, error);
+    root = ChooseDataRoot(DataBesideProgram(argv[0]), UserDataFolder(), note, error);
     if (root.empty()) {
       std::cerr << "vantoro: " << error << '\n';
       return kExitUsage;

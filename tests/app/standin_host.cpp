@@ -4,8 +4,8 @@
 
 #include "app/web/web_server.h"
 #include "base/failure.h"
-#include "cli/event_writers.h"
-#include "cli/replay.h"
+#include "shell/event_json.h"
+#include "shell/replay.h"
 
 namespace vantoro {
 
