@@ -10,6 +10,12 @@ const MAX_LINES = 300;
 // Pieces of one sentence follow each other within this many ticks.
 const JOIN_TICKS = 6;
 let lastReports = [];
+// The hot keys the app can press for the pilot: slot, what it does, the key
+// in the simulator.
+const HOT_KEYS = [
+  [7, 'Next flight mode', 'Ctrl+Shift+Z'], [8, 'Previous flight mode', 'Ctrl+Shift+X'],
+  [9, 'Airmanship test', 'Ctrl+Shift+C'],
+];
 
 function clockOf(tick) {
   const s = Math.max(0, Math.floor(tick / 2));
@@ -133,7 +139,26 @@ function onEvent(e) {
   }
 }
 
+function hotKeyButtons() {
+  const box = document.getElementById('hotKeys');
+  for (const [slot, name, key] of HOT_KEYS) {
+    const b = el('button', {id: 'hotKey' + slot, title: 'As ' + key + ' in the simulator',
+      onclick: async () => {
+        b.disabled = true;
+        try {
+          await api('/api/key', {key: slot});
+          setText('hotKeyMessage', name + ': the instructor takes it at the next tick');
+        } catch (x) {
+          setText('hotKeyMessage', x.message);
+        }
+        b.disabled = false;
+      }}, name, el('kbd', {}, key));
+    box.append(b);
+  }
+}
+
 function start() {
+  hotKeyButtons();
   const stream = new EventSource('/api/events');
   stream.addEventListener('state', e => {
     try { renderState(JSON.parse(e.data)); } catch (x) { /* a torn document: the next one comes */ }

@@ -84,9 +84,8 @@ LiveProgram::LiveProgram(const LiveSetup& setup, LiveParts parts)
       events_.Emit(in.flight.TickCount, "status", {{"text", problem}});
     }
   });
-  // The remote and web timers have no work of the instructor's yet: the
-  // loop keeps them so that their work slots in (posted work runs before
-  // each of them all the same).
+  loop_.SetBody(LiveTimer::RemoteTimer, [this](Instructor& in) { RemoteTick(in); });
+  loop_.SetBody(LiveTimer::WebTimer, [this](Instructor& in) { WebTick(in); });
 }
 
 LiveProgram::~LiveProgram() {
@@ -141,8 +140,34 @@ void LiveProgram::TakeWorldWhenLoaded() {
   for (size_t i = before; i < startup_->notices().size(); ++i) Tell(startup_->notices()[i]);
 }
 
+nlohmann::json LiveProgram::StateDocument() {
+  nlohmann::json state = stateOf(*instructor_);
+  if (!slow_.is_null() && state.is_object()) state["app"] = slow_;
+  return state;
+}
+
 void LiveProgram::PublishState() {
-  feed_.PublishState(stateOf(*instructor_));
+  feed_.PublishState(StateDocument());
+}
+
+void LiveProgram::RemoteTick(Instructor& in) {
+  // The app's requests that act on the flight, carried out between ticks.
+  if (mailbox_.RunRemote(in) > 0) PublishState();
+}
+
+nlohmann::json LiveProgram::WorldProgress(const Instructor& in) {
+  const size_t runways = in.world.Runways.size();
+  const char* state = runways > 0 ? "loaded" : world_.valid() ? "loading" : "not loaded";
+  return {{"state", state}, {"runways", runways}, {"stations", in.world.VORStations.size()}};
+}
+
+void LiveProgram::WebTick(Instructor& in) {
+  TakeWorldWhenLoaded();
+  nlohmann::json slow = slowStateOf ? slowStateOf(in) : nlohmann::json::object();
+  slow["world"] = WorldProgress(in);
+  if (slow == slow_) return;
+  slow_ = std::move(slow);
+  PublishState();
 }
 
 void LiveProgram::PollTick(Instructor& in) {
@@ -165,10 +190,13 @@ void LiveProgram::PollTick(Instructor& in) {
       in.Connect();
     }
   }
+  // A hot key the pilot pressed in the app acts in this tick; the flight's
+  // recording says so before the tick.
+  const int pressedKey = in.flight.VoiceAction;
   in.Tick();
   if (parts_.recording) parts_.recording->AfterTick();
   if (recorder_)
-    if (std::string problem = recorder_->AfterTick(in); !problem.empty()) Note(problem);
+    if (std::string problem = recorder_->AfterTick(in, pressedKey); !problem.empty()) Note(problem);
   PublishState();
 }
 
@@ -183,7 +211,7 @@ int LiveProgram::Run() {
   if (recorder_) recorder_->Close();
   if (failure_) {
     events_.Emit(instructor_->flight.TickCount, "error", {{"text", *failure_}});
-    nlohmann::json state = stateOf(*instructor_);
+    nlohmann::json state = StateDocument();
     state["failure"] = *failure_;
     feed_.PublishState(std::move(state));
     return 70;

@@ -38,6 +38,7 @@ struct Options {
   bool noBrowser = false;
   std::string replay;
   std::string sim;
+  std::string pilot;
 };
 
 // What the pilot sees in the terminal: the status line, notices, captions
@@ -144,6 +145,8 @@ int Main(int argc, char** argv) {
   cli.add_option("--replay", o.replay,
                  "fly a recording (.vrec or .vrec.gz) in real time instead of a simulator")
       ->option_text("FILE");
+  cli.add_option("--pilot", o.pilot, "pilot file to fly with (default: the settings' last pilot)")
+      ->option_text("FILE");
   cli.add_option("--sim", o.sim, "the simulator link: fsuipc (Windows), flightgear, xplane")
       ->option_text("NAME")
       ->check(CLI::IsMember({"fsuipc", "flightgear", "xplane"}));
@@ -197,6 +200,16 @@ int Main(int argc, char** argv) {
     return kExitUsage;
   }
 
+  std::string pilot;
+  if (!o.pilot.empty()) {
+    std::error_code ec;
+    if (!std::filesystem::is_regular_file(o.pilot, ec)) {
+      std::cerr << "vantoro: no such pilot file " << o.pilot << '\n';
+      return kExitUsage;
+    }
+    pilot = std::filesystem::absolute(o.pilot, ec).string();
+  }
+
   SoundOnAlsa(parts);
   ConsoleEvents console;
   parts.alsoTell = &console;
@@ -209,6 +222,7 @@ int Main(int argc, char** argv) {
   appOptions.lanAddress = o.listen;
   WebServer app(appOptions, program.mailbox(), program.feed());
   program.stateOf = [](Instructor& in) { return LiveState(in); };
+  program.slowStateOf = [](Instructor& in) { return SlowAppState(in); };
   if (std::string error; !app.Start(error)) {
     std::cerr << "vantoro: " << error << '\n';
     return kExitUsage;
@@ -218,7 +232,7 @@ int Main(int argc, char** argv) {
     std::cout << "Pairing code for other devices: " << app.PairingCode() << std::endl;
   if (!o.noBrowser) OpenBrowser(app.Url());
 
-  program.StartUp();
+  program.StartUp(pilot);
   signals.Start(program);
   std::cout << "Vantoro is running; Ctrl+C ends it" << std::endl;
   const int status = program.Run();

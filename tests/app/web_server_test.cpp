@@ -165,7 +165,12 @@ TEST_F(WebServerTest, EveryEndpointAnswersAndRefusesWhatIsMalformed) {
       {"page escape", "GET", "/%2e%2e/%2e%2e/etc/passwd", "", 400, "inside the app's folder"},
       {"the Fly page", "GET", "/", "", 200, "<title>Vantoro"},
       {"no such page", "GET", "/nothing.html", "", 404, "no such page"},
+      {"hot key", "POST", "/api/key", R"({"key":11})", 200, "\"key\":11"},
+      {"hot key out of range", "POST", "/api/key", R"({"key":16})", 400, "from 1 to 15"},
+      {"hot key by name", "POST", "/api/key", R"({"key":"B"})", 400, "hot key slot"},
       {"disconnect", "POST", "/api/disconnect", "", 200, "\"connected\":false"},
+      {"hot key on the ground", "POST", "/api/key", R"({"key":7})", 409,
+       "connect to the simulator first"},
       {"connect", "POST", "/api/connect", "", 200, "\"connected\":true"},
       {"bad event number", "GET", "/api/events?after=abc", "", 400, "Last-Event-ID"},
   };

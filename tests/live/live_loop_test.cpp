@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <filesystem>
@@ -214,6 +215,9 @@ std::vector<fs::path> FilesEndingIn(const fs::path& folder, const std::string& e
   return out;
 }
 
+// The hot key slot "next flight mode".
+constexpr int kPressedInApp = 7;
+
 TEST(LiveLoop, ConnectAndDisconnectFromTheAppAndTheFlightsRecordingReplays) {
   const fs::path folder = fs::temp_directory_path() / ("vantoro-live-" + std::to_string(getpid()));
   fs::remove_all(folder);
@@ -232,8 +236,21 @@ TEST(LiveLoop, ConnectAndDisconnectFromTheAppAndTheFlightsRecordingReplays) {
   LiveProgram program(LiveSetup{root, kSpeed}, std::move(parts));
   program.StartUp();
   std::thread loop([&] { program.Run(); });
-  program.mailbox().Post([](Instructor& in) { in.Connect(); });
+  // The app's Connect waits for the remote timer, as its hot keys do.
+  constexpr Mailbox::Due kRemote = Mailbox::Due::RemoteTimer;
+  program.mailbox().Post([](Instructor& in) { in.Connect(); }, kRemote);
   ASSERT_TRUE(WaitFor([&] { return StateTick(program) >= 6; })) << "no ticks after Connect";
+  // "Next flight mode" pressed in the app while taxiing: the mode moves on,
+  // and the flight's recording must replay the same press.
+  auto modes = [&] {
+    const std::vector<Event> events = witness.Events();
+    return std::count_if(events.begin(), events.end(),
+                         [](const Event& e) { return e.type == "mode"; });
+  };
+  const auto before = modes();
+  program.mailbox().Post([](Instructor& in) { in.PressHotKey(kPressedInApp); }, kRemote);
+  ASSERT_TRUE(WaitFor([&] { return modes() > before; }))
+      << "the hot key pressed in the app did nothing";
 
   // While the flight is open its recording is readable up to the last second
   // written: a program that dies now keeps all but that second.
@@ -261,6 +278,7 @@ TEST(LiveLoop, ConnectAndDisconnectFromTheAppAndTheFlightsRecordingReplays) {
   ASSERT_TRUE(LoadRecording(kept.string(), recorded, error)) << error;
   std::string recordedText;
   ASSERT_EQ(InflateLimited(ReadFile(kept.string()), recordedText), InflateResult::Ok);
+  EXPECT_NE(recordedText.find("\nkey " + std::to_string(kPressedInApp) + "\n"), std::string::npos);
   const std::vector<Event> replayed = ReplayText(recordedText, {root, kSeed, true, ""}).events;
   const auto story = Story(witness.Events(), "disconnect");
   EXPECT_EQ(story, Story(replayed, "end"));

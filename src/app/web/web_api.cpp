@@ -275,6 +275,20 @@ json DisconnectAction(Instructor& in) {
   return ConnectionAnswer(in);
 }
 
+json PressKeyAction(Instructor& in, const json& body) {
+  if (!body.is_object() || !body.contains("key") || !body["key"].is_number_integer())
+    return Refusal(400, "the request must hold \"key\", a hot key slot from 1 to 15");
+  const int64_t slot = body["key"].get<int64_t>();
+  if (slot < 1 || slot > kHotKeySlots)
+    return Refusal(400, "\"key\" must be a hot key slot from 1 to 15");
+  if (!in.flight.UserConnected)
+    return Refusal(409, "the hot keys act in flight: connect to the simulator first");
+  in.PressHotKey(static_cast<int>(slot));
+  json j = Done();
+  j["key"] = slot;
+  return j;
+}
+
 json PilotPage(Instructor& in) {
   json j;
   j["record"] = RecordJson(in.pilot.Record);
