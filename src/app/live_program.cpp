@@ -118,7 +118,9 @@ void LiveProgram::StartUp(std::string_view pilotFile) {
   }
   // Without a simulator folder in the settings every simulator flies over
   // the delivered world: it is read now, off the loop thread, and taken in
-  // by the tick once it is there (a connection before then reads it itself).
+  // by the timers once it is there. A connection waits for it (see
+  // WorldPending): were it to read the world itself meanwhile, the loop
+  // would stand still for the read and the program hold two worlds at once.
   if (NoSimulatorFolder(in.options)) world_ = startup_->OpenWorldInBackground(kDeliveredWorldSim);
   if (recorder_)
     for (const std::string& file : RecoverOpenRecordings(NativePath(in.root)))
@@ -130,6 +132,11 @@ void LiveProgram::StartUp(std::string_view pilotFile) {
     FSConnect(c);
   }
   PublishState();
+}
+
+bool LiveProgram::WorldPending() {
+  TakeWorldWhenLoaded();
+  return world_.valid();
 }
 
 void LiveProgram::TakeWorldWhenLoaded() {
@@ -151,7 +158,10 @@ void LiveProgram::PublishState() {
 }
 
 void LiveProgram::RemoteTick(Instructor& in) {
-  // The app's requests that act on the flight, carried out between ticks.
+  // The app's requests that act on the flight, carried out between ticks;
+  // in the first moments, once the world being read is in (a Connect would
+  // read it again on this thread).
+  if (WorldPending()) return;
   if (mailbox_.RunRemote(in) > 0) PublishState();
 }
 
@@ -173,6 +183,9 @@ void LiveProgram::WebTick(Instructor& in) {
 void LiveProgram::PollTick(Instructor& in) {
   TakeWorldWhenLoaded();
   if (RecordingFeed* recording = parts_.recording.get()) {
+    // Replay has the world from the connection on: the recording's first
+    // tick waits for the world being read.
+    if (!recordingConnected_ && WorldPending()) return;
     if (!recording->BeforeTick(in)) {
       if (!recordingEnded_) {
         recordingEnded_ = true;

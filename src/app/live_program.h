@@ -109,6 +109,9 @@ class LiveProgram {
   void Note(const std::string& text);
   void Tell(const Notice& n);
   void TakeWorldWhenLoaded();
+  // The world is being read off the loop thread (taken in first when it has
+  // come meanwhile).
+  bool WorldPending();
   void PublishState();
   nlohmann::json StateDocument();
   void RemoteTick(Instructor& in);
