@@ -10,6 +10,9 @@ const MAX_LINES = 300;
 // Pieces of one sentence follow each other within this many ticks.
 const JOIN_TICKS = 6;
 let lastReports = [];
+// The last tick of the state, and the tick the message shown goes out at.
+let lastTick = 0;
+let messageUntil = Infinity;
 // The hot keys the app can press for the pilot: slot, what it does, the key
 // in the simulator.
 const HOT_KEYS = [
@@ -29,6 +32,11 @@ function setText(id, v) {
 }
 
 function renderState(s) {
+  lastTick = s.tick || 0;
+  if (lastTick > messageUntil) {
+    messageUntil = Infinity;
+    document.getElementById('simMessage').textContent = '';
+  }
   const button = document.getElementById('cmdConnect');
   button.textContent = s.connected ? 'Disconnect' : 'Connect';
   button.className = 'big ' + (s.connected ? 'danger' : 'primary');
@@ -113,9 +121,15 @@ function onEvent(e) {
     case 'mode':
       addLine(ev.tick, 'Flight mode: ' + (MODE_NAMES[ev.mode] || ev.mode), 'event');
       break;
-    case 'message':
+    case 'message': {
+      // The simulator shows a message for its seconds (two ticks a second);
+      // one already gone when the page (re)loads is not shown.
+      const until = ev.tick + 2 * Number(ev.seconds || 0);
+      if (ev.seconds > 0 && until < lastTick) break;
       setText('simMessage', ev.text);
+      messageUntil = ev.seconds > 0 ? until : Infinity;
       break;
+    }
     case 'landing':
       addLine(ev.tick, 'Landing scored ' + Number(ev.score).toFixed(1) +
         (ev.rating ? ' (' + ev.rating + ')' : ''), 'event');

@@ -263,6 +263,19 @@ json ConnectionAnswer(const Instructor& in) {
   return j;
 }
 
+// A file inside the data root as the pilot knows it, from the root on
+// ("Aircraft/C172.fsr"); a file elsewhere in full.
+std::string ShownInRoot(const std::string& root, const std::string& file) {
+  if (file.empty()) return file;
+  std::error_code ec;
+  const fs::path base = fs::weakly_canonical(NativePath(root), ec);
+  const fs::path path = fs::weakly_canonical(file, ec);
+  if (ec) return file;
+  const fs::path inside = path.lexically_relative(base);
+  if (inside.empty() || *inside.begin() == "..") return file;
+  return inside.generic_string();
+}
+
 }  // namespace
 
 json ConnectAction(Instructor& in) {
@@ -539,7 +552,7 @@ json AircraftPage(Instructor& in) {
   const AircraftValues& a = in.aircraft;
   json j;
   j["title"] = a.Title;
-  j["sourceFile"] = NativePath(a.SourceFile);
+  j["sourceFile"] = ShownInRoot(in.root, NativePath(a.SourceFile));
   j["source"] = SourceName(a.Source);
   j["estimated"] = ProfileIsEstimated(a);
   j["locked"] = a.Locked;
