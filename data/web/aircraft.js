@@ -16,7 +16,7 @@ async function post(path, body) {
   try {
     const a = await api(path, body);
     render(a);
-    if (a.message) showMessage('msg', a.message, false); else hideMessage('msg');
+    if (a.message) showMessage('msg', a.message, Boolean(a.saved)); else hideMessage('msg');
   } catch (x) {
     showMessage('msg', x.message, false);
     if (x.answer && x.answer.validation) showValidation(x.answer.validation);

@@ -632,6 +632,7 @@ json SaveProfileAction(Instructor& in, const json& body) {
   SetupAircraftValues(in.aircraft);
   json j = AircraftPage(in);
   j["message"] = "Saved " + folder + ".fsu";
+  j["saved"] = true;
   return j;
 }
 
