@@ -180,6 +180,7 @@ TEST(LiveLoop, ARecordingFlownLiveSaysWhatReplaySays) {
 TEST(LiveLoop, PostedWorkRunsOnTheLoopThreadInTheOrderPosted) {
   Witness witness;
   LiveProgram program(LiveSetup{DataRoot(), kSpeed}, TestParts(witness));
+  program.StartUp();
   std::thread loop([&] { program.Run(); });
   std::vector<std::pair<int, std::thread::id>> ran;  // touched on the loop thread only
   std::thread app([&] {
@@ -193,6 +194,13 @@ TEST(LiveLoop, PostedWorkRunsOnTheLoopThreadInTheOrderPosted) {
         return nlohmann::json{{"ran", ran.size()}, {"tick", in.flight.TickCount}};
       },
       std::chrono::seconds(5));
+  // The world read off the loop is taken in, and the web timer tells the app.
+  const bool worldTold = WaitFor([&] {
+    const nlohmann::json state = program.feed().State();
+    return state.is_object() && state.contains("app") &&
+           state["app"]["world"].value("state", "") == "loaded" &&
+           state["app"]["world"].value("runways", 0) > 0;
+  });
   program.Stop();
   loop.join();
   ASSERT_TRUE(answer.has_value());
@@ -203,6 +211,7 @@ TEST(LiveLoop, PostedWorkRunsOnTheLoopThreadInTheOrderPosted) {
     EXPECT_EQ(ran[i].second, program.loop().LoopThread());
   }
   EXPECT_NE(program.loop().LoopThread(), std::this_thread::get_id());
+  EXPECT_TRUE(worldTold) << program.feed().State().dump();
 }
 
 std::vector<fs::path> FilesEndingIn(const fs::path& folder, const std::string& ending) {
