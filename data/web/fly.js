@@ -59,6 +59,11 @@ function renderState(s) {
   setText('lblReadErrors', s.readErrors || 0);
   setText('linkStatus', s.linkStatus);
   setText('clock', s.clock);
+  const world = (s.app || {}).world;
+  if (world) {
+    setText('world', world.state === 'loaded' ? world.runways.toLocaleString('en') + ' runway ends' :
+      world.state === 'loading' ? 'reading the runways...' : 'no runways');
+  }
   const scores = s.scores || {};
   setText('landingScore', scores.landing ? scores.landing.toFixed(1) : '');
   setText('flightScore', scores.flight ? scores.flight.toFixed(1) : '');
