@@ -134,6 +134,8 @@ TEST_F(WebServerTest, EveryEndpointAnswersAndRefusesWhatIsMalformed) {
       {"sound device not in the list", "POST", "/api/settings", R"({"soundCard":42})", 400,
        "soundCard"},
       {"aircraft page", "GET", "/api/aircraft", "", 200, "Monitor Cessna 172"},
+      {"profile named from the data root", "GET", "/api/aircraft", "", 200,
+       "\"sourceFile\":\"Aircraft/C172.fsr\""},
       {"profile locked", "POST", "/api/aircraft/profile", R"({"profile":{"IASStallCruise":"50"}})",
        409, "User Specified Data"},
       {"unknown source", "POST", "/api/aircraft/source", R"({"source":"optMagic"})", 400,

@@ -214,6 +214,40 @@ TEST(LiveLoop, PostedWorkRunsOnTheLoopThreadInTheOrderPosted) {
   EXPECT_TRUE(worldTold) << program.feed().State().dump();
 }
 
+TEST(LiveLoop, WhatActsOnTheFlightWaitsForTheRemoteTimer) {
+  using Due = Mailbox::Due;
+  struct Case {
+    const char* what;
+    std::vector<std::pair<int, Due>> posted;
+    std::vector<int> now, remote;  // what each run carries out, in order
+  };
+  const Case cases[] = {
+      {"pages at once", {{1, Due::Now}, {2, Due::Now}}, {1, 2}, {}},
+      {"flight requests by the remote timer",
+       {{1, Due::RemoteTimer}, {2, Due::RemoteTimer}},
+       {},
+       {1, 2}},
+      {"each in its own order",
+       {{1, Due::RemoteTimer}, {2, Due::Now}, {3, Due::RemoteTimer}, {4, Due::Now}},
+       {2, 4},
+       {1, 3}},
+  };
+  Witness witness;
+  LiveProgram program(LiveSetup{DataRoot(), kSpeed}, TestParts(witness));
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    Mailbox mailbox;
+    std::vector<int> ran;
+    for (const auto& [n, due] : c.posted)
+      mailbox.Post([&ran, n = n](Instructor&) { ran.push_back(n); }, due);
+    EXPECT_EQ(mailbox.RunPending(program.instructor()), c.now.size());
+    EXPECT_EQ(ran, c.now);
+    ran.clear();
+    EXPECT_EQ(mailbox.RunRemote(program.instructor()), c.remote.size());
+    EXPECT_EQ(ran, c.remote);
+  }
+}
+
 std::vector<fs::path> FilesEndingIn(const fs::path& folder, const std::string& ending) {
   std::vector<fs::path> out;
   std::error_code ec;
