@@ -99,13 +99,24 @@ class LiveProgram {
 
   // The state document's builder (the app's, when it has one).
   std::function<nlohmann::json(Instructor&)> stateOf = BasicState;
+  // What the app shows that changes slowly (its log book's files), asked
+  // for by the web timer; the state document carries it under "app", with
+  // the world data's loading beside it.
+  std::function<nlohmann::json(Instructor&)> slowStateOf;
 
  private:
   void PollTick(Instructor& in);
   void Note(const std::string& text);
   void Tell(const Notice& n);
   void TakeWorldWhenLoaded();
+  // The world is being read off the loop thread (taken in first when it has
+  // come meanwhile).
+  bool WorldPending();
   void PublishState();
+  nlohmann::json StateDocument();
+  void RemoteTick(Instructor& in);
+  void WebTick(Instructor& in);
+  nlohmann::json WorldProgress(const Instructor& in);
 
   LiveParts parts_;
   LiveFeed feed_;
@@ -123,6 +134,7 @@ class LiveProgram {
   bool recordingConnected_ = false;
   bool recordingEnded_ = false;
   std::optional<std::string> failure_;
+  nlohmann::json slow_;  // what the web timer found last
 };
 
 }  // namespace vantoro

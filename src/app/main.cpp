@@ -18,9 +18,9 @@
 #include "app/data_root.h"
 #include "app/live_program.h"
 #include "app/web/web_server.h"
-#include "cli/commands.h"
 #include "link/platform_link.h"
 #include "link/recording.h"
+#include "shell/program_folder.h"
 
 namespace vantoro {
 namespace {
@@ -38,6 +38,7 @@ struct Options {
   bool noBrowser = false;
   std::string replay;
   std::string sim;
+  std::string pilot;
 };
 
 // What the pilot sees in the terminal: the status line, notices, captions
@@ -144,6 +145,8 @@ int Main(int argc, char** argv) {
   cli.add_option("--replay", o.replay,
                  "fly a recording (.vrec or .vrec.gz) in real time instead of a simulator")
       ->option_text("FILE");
+  cli.add_option("--pilot", o.pilot, "pilot file to fly with (default: the settings' last pilot)")
+      ->option_text("FILE");
   cli.add_option("--sim", o.sim, "the simulator link: fsuipc (Windows), flightgear, xplane")
       ->option_text("NAME")
       ->check(CLI::IsMember({"fsuipc", "flightgear", "xplane"}));
@@ -186,8 +189,7 @@ int Main(int argc, char** argv) {
   std::string root = o.root;
   if (root.empty()) {
     std::string note, error;
-    CliContext context{argv[0], std::cout, std::cerr};
-    root = ChooseDataRoot(DefaultRoot(context), UserDataFolder(), note, error);
+    root = ChooseDataRoot(DataBesideProgram(argv[0]), UserDataFolder(), note, error);
     if (root.empty()) {
       std::cerr << "vantoro: " << error << '\n';
       return kExitUsage;
@@ -196,6 +198,16 @@ int Main(int argc, char** argv) {
   } else if (std::error_code ec; !std::filesystem::is_directory(root, ec)) {
     std::cerr << "vantoro: no data root folder at " << root << '\n';
     return kExitUsage;
+  }
+
+  std::string pilot;
+  if (!o.pilot.empty()) {
+    std::error_code ec;
+    if (!std::filesystem::is_regular_file(o.pilot, ec)) {
+      std::cerr << "vantoro: no such pilot file " << o.pilot << '\n';
+      return kExitUsage;
+    }
+    pilot = std::filesystem::absolute(o.pilot, ec).string();
   }
 
   SoundOnAlsa(parts);
@@ -210,6 +222,7 @@ int Main(int argc, char** argv) {
   appOptions.lanAddress = o.listen;
   WebServer app(appOptions, program.mailbox(), program.feed());
   program.stateOf = [](Instructor& in) { return LiveState(in); };
+  program.slowStateOf = [](Instructor& in) { return SlowAppState(in); };
   if (std::string error; !app.Start(error)) {
     std::cerr << "vantoro: " << error << '\n';
     return kExitUsage;
@@ -219,7 +232,7 @@ int Main(int argc, char** argv) {
     std::cout << "Pairing code for other devices: " << app.PairingCode() << std::endl;
   if (!o.noBrowser) OpenBrowser(app.Url());
 
-  program.StartUp();
+  program.StartUp(pilot);
   signals.Start(program);
   std::cout << "Vantoro is running; Ctrl+C ends it" << std::endl;
   const int status = program.Run();

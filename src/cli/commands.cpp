@@ -1,27 +1,13 @@
 #include "cli/commands.h"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
-#include <filesystem>
-#include <system_error>
 
-namespace fs = std::filesystem;
+#include "shell/program_folder.h"
 
 namespace vantoro {
 
 std::string DefaultRoot(const CliContext& cli) {
-  std::error_code ec;
-  // The running program's own file where the system tells it; else the
-  // path it was started by.
-  fs::path program = fs::read_symlink("/proc/self/exe", ec);
-  if (ec || program.empty()) program = fs::absolute(cli.program, ec);
-  if (ec) return {};
-  for (fs::path dir = program.parent_path(); !dir.empty(); dir = dir.parent_path()) {
-    const fs::path data = dir / "data";
-    if (fs::is_directory(data, ec)) return data.string();
-    if (dir == dir.parent_path()) break;
-  }
-  return {};
+  return DataBesideProgram(cli.program);
 }
 
 bool ParseCommandLine(CLI::App& app, const CommandArgs& args, CliContext& cli, int& status) {

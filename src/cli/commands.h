@@ -35,9 +35,8 @@ namespace vantoro {
 // gives status 2. Returns true when the command is to go on.
 bool ParseCommandLine(CLI::App& app, const CommandArgs& args, CliContext& cli, int& status);
 
-// The data folder beside the program: the first folder named "data" in the
-// program's folder or above it (in a build tree, the source tree's data/).
-// Empty when there is none.
+// The data folder beside the program (shell/program_folder.h); empty when
+// there is none.
 std::string DefaultRoot(const CliContext& cli);
 
 int ReplayCommand(const CommandArgs& args, CliContext& cli);

@@ -1,4 +1,4 @@
-#include "cli/replay.h"
+#include "shell/replay.h"
 
 #include <gtest/gtest.h>
 

@@ -263,6 +263,19 @@ json ConnectionAnswer(const Instructor& in) {
   return j;
 }
 
+// A file inside the data root as the pilot knows it, from the root on
+// ("Aircraft/C172.fsr"); a file elsewhere in full.
+std::string ShownInRoot(const std::string& root, const std::string& file) {
+  if (file.empty()) return file;
+  std::error_code ec;
+  const fs::path base = fs::weakly_canonical(NativePath(root), ec);
+  const fs::path path = fs::weakly_canonical(file, ec);
+  if (ec) return file;
+  const fs::path inside = path.lexically_relative(base);
+  if (inside.empty() || *inside.begin() == "..") return file;
+  return inside.generic_string();
+}
+
 }  // namespace
 
 json ConnectAction(Instructor& in) {
@@ -273,6 +286,20 @@ json ConnectAction(Instructor& in) {
 json DisconnectAction(Instructor& in) {
   in.Disconnect();
   return ConnectionAnswer(in);
+}
+
+json PressKeyAction(Instructor& in, const json& body) {
+  if (!body.is_object() || !body.contains("key") || !body["key"].is_number_integer())
+    return Refusal(400, "the request must hold \"key\", a hot key slot from 1 to 15");
+  const int64_t slot = body["key"].get<int64_t>();
+  if (slot < 1 || slot > kHotKeySlots)
+    return Refusal(400, "\"key\" must be a hot key slot from 1 to 15");
+  if (!in.flight.UserConnected)
+    return Refusal(409, "the hot keys act in flight: connect to the simulator first");
+  in.PressHotKey(static_cast<int>(slot));
+  json j = Done();
+  j["key"] = slot;
+  return j;
 }
 
 json PilotPage(Instructor& in) {
@@ -525,7 +552,7 @@ json AircraftPage(Instructor& in) {
   const AircraftValues& a = in.aircraft;
   json j;
   j["title"] = a.Title;
-  j["sourceFile"] = NativePath(a.SourceFile);
+  j["sourceFile"] = ShownInRoot(in.root, NativePath(a.SourceFile));
   j["source"] = SourceName(a.Source);
   j["estimated"] = ProfileIsEstimated(a);
   j["locked"] = a.Locked;
@@ -605,6 +632,7 @@ json SaveProfileAction(Instructor& in, const json& body) {
   SetupAircraftValues(in.aircraft);
   json j = AircraftPage(in);
   j["message"] = "Saved " + folder + ".fsu";
+  j["saved"] = true;
   return j;
 }
 

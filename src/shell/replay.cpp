@@ -1,4 +1,4 @@
-#include "cli/replay.h"
+#include "shell/replay.h"
 
 #include "base/registry.h"
 #include "shell/startup.h"
