@@ -190,7 +190,9 @@ TEST(Failures, AFailureFlownToTheLandingEarnsItsBonus) {
   EXPECT_NE(report.find("Failure Event(s) (Zulu Time): \r\nFailure: Z12:"), std::string::npos)
       << report;
   EXPECT_NE(report.find(" ASI\r\n"), std::string::npos) << report;
-  EXPECT_EQ(report.find("Failure Bonus:0%"), std::string::npos) << report;
+  // 21.5 of the flight's seconds at weight 20, and 15 for the ASI still
+  // failed, halved.
+  EXPECT_NE(report.find("Failure Bonus:12%"), std::string::npos) << report;
 }
 
 // With the same seed a flight fails the same things at the same moments.
