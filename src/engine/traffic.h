@@ -14,7 +14,11 @@ namespace vantoro {
 // The traffic rules wait for the tables to fill after a connection.
 inline constexpr int32_t kTrafficAfterTicks = 22;
 
-// The simulator's AI traffic states, as its traffic tables give them.
+// The simulator's AI traffic states, as the interface's traffic tables give
+// them in the state byte of a slot (0x80 initialising to 0x92 shutting
+// down). The phrases of TrafficStatePhrase follow them one by one; en route,
+// in the pattern and going around are told by what the aircraft is doing
+// (TrafficActivityPhrase) instead.
 enum TrafficStates : int32_t {
   kStateInitialising = 128,
   kStateSleeping = 129,
