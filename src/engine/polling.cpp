@@ -8,9 +8,11 @@
 #include "base/numbers.h"
 #include "engine/approach.h"
 #include "engine/cruise.h"
+#include "engine/failures.h"
 #include "engine/ground.h"
 #include "engine/navigation.h"
 #include "engine/tick_rules.h"
+#include "engine/traffic.h"
 #include "world/geo.h"
 
 namespace vantoro {
@@ -115,8 +117,10 @@ void ProcessTick(Cockpit& c) {
 
   if (!f.FlightStarted) BeginFlight(c);
 
-  // The failure timers run here (AnnounceIFInstructorNoticesFailures,
-  // BuildFailureEventList).
+  // The failure timers.
+  CountFailureSeconds(c);
+  AnnounceIFInstructorNoticesFailures(c);
+  BuildFailureEventList(c);
 
   if (CrashFlagTest(c)) return;
 
@@ -129,13 +133,18 @@ void ProcessTick(Cockpit& c) {
   // fuel, door, pump, lights and COM1-emergency rules run here.
   FlightPlanHelp(c);
   CruisingWithFlaps(c);
-  // Navigation advice, engine loss announcements, chatter and the piston
-  // mixture rules run here.
+  // Navigation advice runs here.
+  AnnounceEngineLossAirborne(c);
+  // Chatter and the piston mixture rules run here.
   AutoDetectCruise(c);
   AutoDetectLanding(c);
-  // Traffic is called out here (ProcessTCASGround, ProcessTCASAir).
+  if (now.OnGround != 0) {
+    if (c.options.MonGT) ProcessTCASGround(c);
+  } else if (c.options.MonAT) {
+    ProcessTCASAir(c);
+  }
   GoodSoFarRemarks(c);
-  // The random engine failure strikes here (failures).
+  RandomEngineFire(c);
   SimulationRatePenalty(c);
   AutoPilotPenalty(c);
   LiftOffTest(c);
@@ -150,7 +159,8 @@ void ProcessTick(Cockpit& c) {
     GroundRules(c);
     TaxiRules(c);
   } else if (f.GroundLatch != 1) {
-    // Random failures and the fuel leak run here, then the waypoints.
+    RandomFailures(c);
+    // The fuel leak runs here, then the waypoints.
     WayPointCheck(c);
     NextWayPointCheck(c);
     SuggestNavAid(c);
