@@ -393,9 +393,10 @@ int32_t Mixture(const FSData& d, int e) {
 double CowlFlaps(const FSData& d, int e) {
   return e == 1 ? d.Eng1CowlFlaps : d.Eng2CowlFlaps;
 }
-// The avionics master switch (0x3103).
+// The avionics master switch: the panel's switch (0x3103) or the
+// simulator's own (0x2E80), whichever the aircraft drives.
 bool Avionics(const FSData& d) {
-  return d.RadioPower2;
+  return d.RadioPower2 || d.MasterAvionics != 0;
 }
 
 // Engine start: the starter moving to start in this sample and not the last.
