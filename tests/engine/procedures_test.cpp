@@ -468,6 +468,100 @@ TEST(Procedures, SingleRules) {
        }, "b737\\MaxAlt.wav 'Too high.'"},
   });
 }
+TEST(Procedures, The737AutoBrakesAPUAndDestination) {
+  auto powered = [](B b) {
+    b.B737();
+    b.Both([](FSData& d) { d.MasterBattery = d.Flag341D = true; d.Eng1FuelPump = d.Eng2FuelPump = true; });
+    b.Fuel(3000, 3000);
+  };
+  auto approach = [=](B b, int runwayLength) {
+    powered(b); b.Airborne(2500); b.Mode(FlightMode::Landing);
+    b.Both([](FSData& d) { d.SpoilersArmed = true; d.IAS = 180; d.AutoThrottleArm = 1; d.Eng1Combustion = d.Eng2Combustion = true;
+                           d.Eng1Generator = d.Eng2Generator = d.PitotHeat = true; d.Eng1FuelFlow = d.Eng2FuelFlow = 3000; d.AutoBrake = 1;
+                           d.AutopilotOn = true; d.APApproachHold = 1; });
+    b.rig.instructor.plan.FlightPlanDestination = "EGLL";
+    DestinationRunway& d = b.flight().approach.Destination;
+    d.Set = true;
+    d.runway.Width = 150;
+    d.runway.Length = runwayLength;
+    d.runway.Surface = "ASPHALT";
+  };
+  Check({
+      {"lined up with the auto brake off", [=](B b) { powered(b); b.Mode(FlightMode::TakeOff); b.Both([](FSData& d) { d.FlapsLeft = 1280; d.AutoBrake = 1; }); },
+       "b737\\AutoBrakeNotRTO.wav"},
+      {"on the approach with the auto brake off", [=](B b) { approach(b, 9000); }, "b737\\AutoBrakeSet.wav"},
+      {"to a short runway with the auto brake off", [=](B b) { approach(b, 6500); }, "b737\\AutoBrakeOffShort.wav"},
+      {"to a runway too short for the 737", [=](B b) { approach(b, 5000); b.Both([](FSData& d) { d.AutoBrake = 3; }); },
+       "b737\\FPWarningRunwayLength.wav"},
+      {"to a grass strip", [=](B b) { approach(b, 9000); b.Both([](FSData& d) { d.AutoBrake = 3; });
+         b.flight().approach.Destination.runway.Surface = "GRASS"; }, "b737\\FPWarningRunwaySurfaceType.wav"},
+      {"speed brake out at 500 feet", [=](B b) { approach(b, 9000); b.Airborne(500); b.Both([](FSData& d) { d.AutoBrake = 3; d.SpoilersControl = 16383; }); },
+       "b737\\SpeedBrakeUpBelow1000.wav"},
+      {"through the decision height of 200 feet", [=](B b) { approach(b, 9000); b.Through(200, -10);
+         b.Both([](FSData& d) { d.AutoBrake = 3; d.TotalWeight = 200 / 3.281; d.AutopilotOn = false; }); },
+       "b737\\Minimums.wav"},
+      {"the APU started again 30 seconds after it stopped", [=](B b) {
+         powered(b); b.rig.instructor.procedures.APUStopTime = procedures::FlightTime(b.c()) - 30; b.now().Flag0B51 = true;
+       }, "b737\\APURestartTooSoon.wav"},
+      {"and 70 seconds after", [=](B b) {
+         powered(b); b.rig.instructor.procedures.APUStopTime = procedures::FlightTime(b.c()) - 70; b.now().Flag0B51 = true;
+       }, ""},
+      {"the parking brake set in flight", [=](B b) { approach(b, 9000); b.Both([](FSData& d) { d.AutoBrake = 3; d.ParkingBrake = true; }); },
+       "b737\\ParkingBrakesOff.wav"},
+      {"parked: signs, pumps and panel off", [=](B b) {
+         powered(b); b.TaxiingIn();
+         b.Both([](FSData& d) { d.ParkingBrake = true; d.FlightDirector = 0; d.AutoBrake = 1; d.Flag341F = true; });
+       }, "b737\\SeatbeltsOff.wav b737\\FuelPumpOff.wav b737\\CrossfeedOff.wav"},
+  });
+}
+
+TEST(Procedures, MoreOfThePropellerTypes) {
+  Check({
+      {"a King Air's condition levers cut off for the start", [](B b) {
+         b.Type(AircraftType::KingAir350, "Beech_King_Air_350", "Beech King Air 350");
+         b.Both([](FSData& d) { d.ParkingBrake = d.MasterBattery = d.Eng1FuelValve = d.Eng1FuelPump = true; });
+         b.now().Eng1StarterSwitch = 4;
+       }, "BeechKingAir350\\zPro_MixtureOFFToStart.wav"},
+      {"and to low idle once the starter turns it", [](B b) {
+         b.Type(AircraftType::KingAir350, "Beech_King_Air_350", "Beech King Air 350");
+         b.Both([](FSData& d) { d.ParkingBrake = d.MasterBattery = d.Eng1FuelValve = d.Eng1FuelPump = true; d.Eng1StarterSwitch = 4; d.Eng1MixtureLever = 0; });
+       }, "BeechKingAir350\\zPro_MixtureFULLToStart.wav"},
+      {"a King Air rotates at 50 knots of ground speed", [](B b) {
+         b.Type(AircraftType::KingAir350, "Beech_King_Air_350", "Beech King Air 350"); b.Mode(FlightMode::TakeOff);
+         b.Both([](FSData& d) { d.Eng1Throttle = 16383; }); b.before().GS = 49; b.now().GS = 50;
+       }, "BeechKingAir350\\zPro_RotationSpeed.wav"},
+      {"a Caravan below 150 knots low on the approach", [](B b) {
+         b.Type(AircraftType::C208B, "C208B", "Cessna Caravan"); b.Airborne(180); b.Mode(FlightMode::Landing);
+         b.before().IAS = 152; b.now().IAS = 149;
+       }, "c208B\\zPro_Flaps20_OKbelow150.wav"},
+      {"a DC3 standing with its engines running: the tail wheel lock", [](B b) {
+         b.Type(AircraftType::DC3, "Douglas DC-3", "Douglas DC-3");
+         b.Both([](FSData& d) { d.Eng1Combustion = d.Eng2Combustion = d.Eng1Generator = d.Eng2Generator = true; });
+       }, "DC3\\zPro_TailWheelLockOn.wav"},
+      {"a DC3's cowl flaps wide open in the cruise", [](B b) {
+         b.Type(AircraftType::DC3, "Douglas DC-3", "Douglas DC-3"); b.Airborne(3000); b.Mode(FlightMode::Cruise);
+       }, "DC3\\zPro_CowlFlapsHalfOpen.wav"},
+      {"a DC3's 4,000 feet approach with the mixture lean", [](B b) {
+         b.Type(AircraftType::DC3, "Douglas DC-3", "Douglas DC-3"); b.Airborne(1500); b.Mode(FlightMode::Landing);
+         b.Both([](FSData& d) { d.Eng1MixtureLever = 8000; d.Altitude = 2500; d.Eng1FuelPump = d.Eng2FuelPump = true; d.Eng1CowlFlaps = 0.5; });
+       }, "DC3\\zPro_MixtureFullForLanding.wav"},
+      {"a C172 with a half-empty tank", [](B b) {
+         b.C172(); b.Both([](FSData& d) { d.TotalFuelCapacity = 56; d.TankLeftMainPct = 40; d.TankRightMainPct = 90; });
+       }, "c172\\FuelOneOrBothTanksLow.wav"},
+      {"a C172 on the runway for three minutes", [](B b) {
+         b.C172(); b.Mode(FlightMode::TakeOff); b.rig.instructor.procedures.TakeOffHoldTicks = 240;
+       }, "DelayExcessiveForTakeOff.wav"},
+      {"a C172 lined up with the wind behind", [](B b) {
+         b.C172(); b.Mode(FlightMode::TakeOff); b.Both([](FSData& d) { d.SurfaceWindSpeed = 15; d.WindRelativeToHeading = 170; });
+       }, "NotFacingIntoWind.wav"},
+      {"a Lear 45 too fast for its second flap", [](B b) {
+         b.Type(AircraftType::Lear45, "Learjet 45", "Learjet 45"); b.Flaps({{8, 250}, {20, 200}, {40, 150}});
+         b.Airborne(3000); b.Mode(FlightMode::Landing);
+         b.Both([](FSData& d) { d.FlapsLeft = 20 * 256; d.IAS = 220; d.SpoilersArmed = true; });
+       }, "TooFastForThatFlapsSetting.wav +ExceedFlaps Lear45\\YouCanHave.WAV 20.WAV Lear45\\DegreesOfFlapsBelow.WAV 2.wav 0.wav 0.wav Knots.WAV"},
+  });
+}
+
 // clang-format on
 
 // Over whole ticks: the 737 above its ceiling hears it once a minute, twice in two.
@@ -496,6 +590,8 @@ TEST(Procedures, AFlightThatForgetsCarbHeat) {
   rig.Mark();
   rig.Follow(LandingAt(1500));
   rig.Fly({.agl = 1400, .ticks = 4});
+  // Levelling off, the Cessna's cruise power.
+  EXPECT_NE(rig.Queued().find("c172\\BeginCruise.wav"), std::string::npos) << rig.Queued();
   EXPECT_NE(rig.Queued().find("c152\\CarbHeatOn.wav"), std::string::npos) << rig.Queued();
   // With the carb heat on (0x08B2) the reminder stops.
   rig.image.SetU8(0x08B2, 1);
