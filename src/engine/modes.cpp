@@ -6,6 +6,7 @@
 #include "engine/approach.h"
 #include "engine/end_flight.h"
 #include "engine/navigation.h"
+#include "engine/procedures.h"
 #include "engine/tick_rules.h"
 #include "records/clocks.h"
 #include "records/flight_stats.h"
@@ -84,7 +85,7 @@ void EnterCruise(Cockpit& c, int seconds) {
   Voice v = c.voice();
   PlayPerhaps(v, "Cruise.wav", 6, 30, 4);
   if (FlightPPScore(c.flight.Flight()) == 0) PlayPerhaps(v, "FlightGoodSoFar.wav", 97, 30, 12);
-  // The aircraft's cruise advice begins here (BeginCruiseAdvice).
+  BeginCruiseAdvice(c);
 }
 
 // The landing's score, report and verdict. A touchdown that turns out to be

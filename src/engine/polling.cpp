@@ -11,6 +11,7 @@
 #include "engine/failures.h"
 #include "engine/ground.h"
 #include "engine/navigation.h"
+#include "engine/procedures.h"
 #include "engine/tick_rules.h"
 #include "engine/traffic.h"
 #include "world/geo.h"
@@ -129,8 +130,10 @@ void ProcessTick(Cockpit& c) {
 
   // The monitors, in their order.
   // Voice actions (VoiceHotKeyAction), the NAV1 retune announcement,
-  // transponder messages, instrument advice on taxi, the aircraft's start-up,
-  // fuel, door, pump, lights and COM1-emergency rules run here.
+  // transponder messages and instrument advice on taxi run here; then the
+  // aircraft's own procedures; the fuel, door, pump, lights and COM1-emergency
+  // rules follow them.
+  AircraftProcedures(c);
   FlightPlanHelp(c);
   CruisingWithFlaps(c);
   // Navigation advice runs here.
@@ -178,7 +181,8 @@ void ProcessTick(Cockpit& c) {
     // the approach's last (lower the gear, or slow down to lower it).
     LowerGearAdvice(c);
     GearAndNeverExceedSpeeds(c);
-    // The flap speed rules run here (aircraft procedures).
+    CheckFlapSpeeds(c);
+    CheckVno(c);
     ClimbOutRules(c);
     TooLowSetsLanding(c);
     if (link.Before().OnGround > 0 && now.OnGround > 0) TouchdownTest(c);

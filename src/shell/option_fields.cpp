@@ -51,7 +51,7 @@ const std::array<PilotField, 31> kPilotFields = {{
     {"auto tune setup", "AutoTuneVOR", R::Box, &P::AutoTuneVOR},
 }};
 
-const std::array<SettingsField, 15> kSettingsFields = {{
+const std::array<SettingsField, 16> kSettingsFields = {{
     {"FS Folders", "P3D", R::Folder, &S::FSXFolder, 0, 0, FieldBuild::P3D},
     {"FS Folders", "FS2002", R::Folder, &S::FS2002Folder, 0, 0, FieldBuild::FS},
     {"FS Folders", "FS2004", R::Folder, &S::FS2004Folder, 0, 0, FieldBuild::FS},
@@ -67,6 +67,8 @@ const std::array<SettingsField, 15> kSettingsFields = {{
     {"Misc", "AviationTips", R::NumericBox, &S::AviationTips},
     {"Misc", "InstantHelp", R::NumericBox, &S::InstantHelp},
     {"Misc", "TaxiwayTips", R::NumericBox, &S::TaxiwayTips},
+    {"Misc", "ReminderInterval", R::Number, &S::ReminderInterval, kShortestReminderInterval,
+     kLongestReminderInterval},
     {"Voice", "Mode", R::ListIndex, &S::VoiceMode, 0, static_cast<int32_t>(kVoiceModes.size()) - 1},
 }};
 

@@ -89,6 +89,7 @@ void ApplySettings(const Settings& s, EngineOptions& o) {
   o.SpokenTipsSwitches = s.InstantHelp;
   o.TaxiwayTips = s.TaxiwayTips;
   o.VoiceMode = s.VoiceMode;
+  o.ReminderInterval = s.ReminderInterval;
 }
 
 }  // namespace vantoro

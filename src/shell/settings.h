@@ -50,6 +50,9 @@ struct Settings {
   bool InstantHelp = true;
   bool TaxiwayTips = true;
   int VoiceMode = 0;  // 0, 1 or 2: kVoiceModes
+  // How persistently the autopilot-mode and flaps-up reminders of the
+  // aircraft procedures repeat (EngineOptions::ReminderInterval).
+  int32_t ReminderInterval = kDefaultReminderInterval;
 
   bool operator==(const Settings&) const = default;
 };

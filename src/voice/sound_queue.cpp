@@ -130,11 +130,6 @@ std::string CutToLine(std::string line) {
   return line;
 }
 
-std::string CaptionOf(const SoundState& s, std::string_view path) {
-  auto it = s.CaptionTable.find(CaptionKey(path));
-  return it == s.CaptionTable.end() ? std::string() : it->second;
-}
-
 // What the pilot reads while the file plays: the rolling caption buffer.
 void ShowCaption(Voice& v, const SoundChannel& ch, const QueuedSound& entry,
                  const std::string& caption) {
@@ -186,6 +181,11 @@ void SoundTimerStep(Voice& v, int channel) {
 }
 
 }  // namespace
+
+std::string CaptionOf(const SoundState& s, std::string_view path) {
+  auto it = s.CaptionTable.find(CaptionKey(path));
+  return it == s.CaptionTable.end() ? std::string() : it->second;
+}
 
 void InitSound(SoundState& s) {
   for (SoundChannel& ch : s.Channels) ch = SoundChannel{};

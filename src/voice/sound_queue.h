@@ -144,6 +144,9 @@ void LoadCaptions(SoundState& s, std::string_view file, Notices* notices = nullp
 // The caption key of a path: file part upper case, with the aircraft folder
 // prefixes ("B737\LANDEDTOOFAST.WAV").
 std::string CaptionKey(std::string_view path);
+// The words of a file below the root ("Sound\\Jim\\b737\\MaxAlt.wav"); empty when
+// the captions have none.
+std::string CaptionOf(const SoundState& s, std::string_view path);
 
 void SetInstructorVolume(Voice& v, int setting);
 // On connecting: sound disabled with captions on keeps the files running,
