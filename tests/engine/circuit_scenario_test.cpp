@@ -10,6 +10,8 @@
 #include <vector>
 
 #include "base/files.h"
+#include "cli/replay.h"
+#include "link/recording.h"
 #include "records/flight_log.h"
 #include "support/scenario.h"
 
@@ -57,11 +59,16 @@ TEST(CircuitScenario, TheDemoCircuitIsFlownAndScored) {
   WriteFileAtomic((dir / "Vantoro.xml").string(), "<vantoro><score>75.00</score></vantoro>\r\n");
   WriteFileAtomic((dir / "Orlenhaus.xml").string(), "<vantoro><score>85.00</score></vantoro>\r\n");
   WriteFileAtomic((dir / "Ace.plt").string(), "[Pilot]\r\nName=Ace\r\n");
-  testing::ScenarioOptions options;
-  options.instant = true;
-  options.pilot = (dir / "Ace.plt").string();
-  options.logFolder = dir.string();
-  const testing::Scenario flight = testing::FlyScript(CircuitScript(), options);
+  Recording recording;
+  std::string error;
+  ASSERT_TRUE(ParseRecording("circuit", testing::GenerateScript(CircuitScript()), recording, error))
+      << error;
+  testing::Scenario flight;
+  EventLog log;
+  Replay replay(ReplaySetup{testing::DataRoot(), 1, true, (dir / "Ace.plt").string(), dir.string()},
+                log);
+  replay.Run(recording);
+  flight.events = std::move(log.events);
 
   std::vector<std::string> shown;
   for (const Event& e : flight.OfType("message")) shown.push_back(e.Text("text"));

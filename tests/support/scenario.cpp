@@ -91,9 +91,7 @@ Scenario ReplayText(std::string_view text, const ScenarioOptions& options) {
   std::string error;
   if (!ParseRecording("recording", text, recording, error)) throw std::runtime_error(error);
   EventLog log;
-  Replay replay(
-      ReplaySetup{options.root, options.seed, options.instant, options.pilot, options.logFolder},
-      log);
+  Replay replay(ReplaySetup{options.root, options.seed, options.instant, options.pilot, {}}, log);
   Scenario s;
   s.ticks = replay.Run(recording);
   s.recording = std::string(text);

@@ -27,8 +27,7 @@ struct ScenarioOptions {
   std::string root = DataRoot();
   uint64_t seed = 1;
   bool instant = false;
-  std::string pilot;      // the pilot file to fly with; none when empty
-  std::string logFolder;  // the folder of the score marker files; none when empty
+  std::string pilot;  // the pilot file to fly with; none when empty
 };
 
 struct Scenario {
