@@ -67,6 +67,7 @@ function renderState(s) {
   const scores = s.scores || {};
   setText('landingScore', scores.landing ? scores.landing.toFixed(1) : '');
   setText('flightScore', scores.flight ? scores.flight.toFixed(1) : '');
+  setText('circuitScore', scores.circuit ? scores.circuit.toFixed(1) : '');
   const report = s.logBook || lastReports.join('\n\n') || 'No flight has been scored yet.';
   setText('txtLogBook', report);
   const failure = document.getElementById('failure');

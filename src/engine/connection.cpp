@@ -161,6 +161,10 @@ bool ConnectToFS(Cockpit& c) {
   f.Flights = {};
   f.CurrentFlight = 1;
   f.CircuitsWanted = false;
+  c.checklists = ChecklistsState{};
+  c.circuit = CircuitState{};
+  c.sound.Status.CircuitTraining = false;
+  c.sound.Status.CircuitLeg.clear();
   f.UnknownAircraftShown = false;
   f.CrashOnLanding = false;
   f.Crashed = false;

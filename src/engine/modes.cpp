@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "engine/approach.h"
+#include "engine/circuit.h"
 #include "engine/end_flight.h"
 #include "engine/navigation.h"
 #include "engine/procedures.h"
@@ -103,6 +104,8 @@ void EvaluateLanding(Cockpit& c) {
       .VisualAirport = {},
       .VisualRunway = {},
       .CircuitMode = f.CircuitsWanted,
+      .CircuitReferenceLatitude = c.circuit.ReferenceLatitude,
+      .CircuitReferenceLongitude = c.circuit.ReferenceLongitude,
       .Ended = c.clock.Now(),
   };
   Voice v = c.voice();
@@ -357,8 +360,7 @@ void LiftOffTest(Cockpit& c) {
     Voice v = c.voice();
     PlayPerhaps(v, "CircuitStarts.wav", 90, 30, 4);
   }
-  // The circuit reference is taken here: runway heading from NAV1's OBS, the
-  // start altitude and the headings of the legs (circuit training).
+  TakeCircuitReference(c);
 }
 
 void LandingOnGround(Cockpit& c) {

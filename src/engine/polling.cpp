@@ -7,6 +7,8 @@
 
 #include "base/numbers.h"
 #include "engine/approach.h"
+#include "engine/checklists.h"
+#include "engine/circuit.h"
 #include "engine/cruise.h"
 #include "engine/failures.h"
 #include "engine/ground.h"
@@ -108,6 +110,7 @@ void ProcessTick(Cockpit& c) {
   f.PreviousModes = f.Modes;
 
   HotKeysAct(c);
+  UpdateNextCheckList(c);
 
   // With a runway database the landing runway is picked again below 500 feet,
   // and the runway's relative bearing refreshed.
@@ -173,7 +176,7 @@ void ProcessTick(Cockpit& c) {
     AnnounceMarkers(c);
     AutoTuneILS(c);
     LandingModeArrival(c);
-    // The circuit monitors run here; then the flight monitors.
+    CircuitMonitors(c);
     AttitudeAndLoadLimits(c);
     StallWarnings(c);
     ApproachMonitors(c);

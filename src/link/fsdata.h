@@ -174,6 +174,8 @@ struct FSData {
   bool CrashDetection{};        // crash detection in the simulator on
   int32_t Eng1StarterSwitch{};  // engine 1 starter switch word
   int32_t Eng2StarterSwitch{};  // engine 2 starter switch word
+  int32_t Eng3StarterSwitch{};  // engine 3 starter switch word (0x09C2)
+  int32_t Eng4StarterSwitch{};  // engine 4 starter switch word (0x0A5A)
   int32_t Eng1MixtureLever{};   // engine 1 mixture lever, raw; 16384 is full rich
   int32_t Eng2MixtureLever{};   // engine 2 mixture lever, raw
   int32_t Eng3MixtureLever{};   // engine 3 mixture lever, raw

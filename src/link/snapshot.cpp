@@ -341,6 +341,8 @@ void DecodeEngines(const OffsetBlock& m, FSData& d) {
   d.Eng4MixtureLever = m.U16(0x0A58);
   d.Eng1StarterSwitch = m.U16(0x0892);
   d.Eng2StarterSwitch = m.U16(0x092A);
+  d.Eng3StarterSwitch = m.U16(0x09C2);
+  d.Eng4StarterSwitch = m.U16(0x0A5A);
 }
 
 void DecodeFlightModelDoubles(const OffsetBlock& m, FSData& d) {

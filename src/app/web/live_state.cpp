@@ -70,6 +70,7 @@ nlohmann::json LiveState(const Instructor& in) {
     j["live"] = live;
   }
   if (in.sound.Status.CircuitTraining) j["leg"] = Trim(in.sound.Status.CircuitLeg);
+  if (!in.checklists.NextTitle.empty()) j["checklist"] = in.checklists.NextTitle;
   if (!in.plan.Waypoints.empty()) j["waypoint"] = in.plan.CurrentWaypointName;
   j["remark"] = {{"text", in.sound.RemarkText}, {"level", in.sound.RemarkLevel}};
   j["scores"] = {{"landing", in.scores.LandingScore},
