@@ -8,6 +8,7 @@
 #include "base/registry.h"
 #include "engine/polling.h"
 #include "engine/tick_rules.h"
+#include "engine/voice_actions.h"
 #include "link/platform_link.h"
 #include "shell/event_json.h"
 #include "voice/sound_queue.h"
@@ -145,6 +146,26 @@ void LiveProgram::PublishState() {
   feed_.PublishState(stateOf(*instructor_));
 }
 
+void LiveProgram::FollowVoiceMode(Instructor& in) {
+  const bool wanted = in.options.VoiceMode != kVoiceOff && in.flight.UserConnected;
+  if (!wanted) {
+    microphone_.reset();
+    microphoneRefused_ = false;
+    return;
+  }
+  if (microphone_ || microphoneRefused_) return;
+  // The recogniser's thread hands over the phrase's text alone; it is heard
+  // on this thread before the next tick.
+  microphone_ = std::make_unique<MicrophoneListener>([this](const std::string& phrase) {
+    mailbox_.Post([phrase](Instructor& i) { i.HearPhrase(phrase); });
+  });
+  if (std::string why; !microphone_->Start(why)) {
+    microphone_.reset();
+    microphoneRefused_ = true;
+    Note("Voice commands are off: " + why);
+  }
+}
+
 void LiveProgram::PollTick(Instructor& in) {
   TakeWorldWhenLoaded();
   if (RecordingFeed* recording = parts_.recording.get()) {
@@ -166,6 +187,7 @@ void LiveProgram::PollTick(Instructor& in) {
     }
   }
   in.Tick();
+  FollowVoiceMode(in);
   if (parts_.recording) parts_.recording->AfterTick();
   if (recorder_)
     if (std::string problem = recorder_->AfterTick(in); !problem.empty()) Note(problem);

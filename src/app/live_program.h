@@ -17,6 +17,7 @@
 #include "app/flight_recorder.h"
 #include "app/live_bridge.h"
 #include "app/live_loop.h"
+#include "app/microphone.h"
 #include "app/recording_feed.h"
 #include "base/events.h"
 #include "base/seams.h"
@@ -106,6 +107,8 @@ class LiveProgram {
   void Tell(const Notice& n);
   void TakeWorldWhenLoaded();
   void PublishState();
+  // The microphone listens while connected with a voice mode chosen.
+  void FollowVoiceMode(Instructor& in);
 
   LiveParts parts_;
   LiveFeed feed_;
@@ -123,6 +126,9 @@ class LiveProgram {
   bool recordingConnected_ = false;
   bool recordingEnded_ = false;
   std::optional<std::string> failure_;
+  // Last, so that it stops before anything it posts to goes.
+  std::unique_ptr<MicrophoneListener> microphone_;
+  bool microphoneRefused_ = false;  // told once until the voice mode or connection changes
 };
 
 }  // namespace vantoro

@@ -28,6 +28,7 @@ constexpr Command kCommands[] = {
     {"voices", "build [--root DIR] [--jobs N]", nullptr, vantoro::VoicesCommand},
     {"runways", "nearest|airport|import ...", nullptr, vantoro::RunwaysCommand},
     {"profile", "FILE [--title T] [--monitor]", nullptr, vantoro::ProfileCommand},
+    {"hear", "FILE.wav [--root DIR]", vantoro::HearCommand},
 };
 
 void Usage(std::ostream& out) {

@@ -11,6 +11,7 @@
 #include "engine/ground.h"
 #include "engine/navigation.h"
 #include "engine/tick_rules.h"
+#include "engine/voice_actions.h"
 #include "world/geo.h"
 
 namespace vantoro {
@@ -74,7 +75,7 @@ void ProcessTick(Cockpit& c) {
 
   f.TickCount += 1;
 
-  ScanHotKeys(f);
+  ScanHotKeys(c);
 
   QueueTrafficControls(c);
 
@@ -124,7 +125,8 @@ void ProcessTick(Cockpit& c) {
   if (ClockJumpTest(c)) return;
 
   // The monitors, in their order.
-  // Voice actions (VoiceHotKeyAction), the NAV1 retune announcement,
+  VoiceHotKeyAction(c);
+  // The NAV1 retune announcement,
   // transponder messages, instrument advice on taxi, the aircraft's start-up,
   // fuel, door, pump, lights and COM1-emergency rules run here.
   FlightPlanHelp(c);
