@@ -13,8 +13,9 @@ namespace vantoro {
 
 namespace {
 
-// Samples read at a time: 64 ms, so that Stop is never kept waiting long.
-constexpr snd_pcm_uframes_t kCaptureFrames = 1024;
+// Samples read at a time: 32 ms, so that the end of a phrase is seen soon
+// and Stop is never kept waiting long.
+constexpr snd_pcm_uframes_t kCaptureFrames = 512;
 constexpr unsigned kCaptureLatencyMicroseconds = 200'000;
 
 }  // namespace

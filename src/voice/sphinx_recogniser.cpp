@@ -12,6 +12,10 @@ namespace vantoro {
 namespace {
 
 constexpr const char* kSearchName = "vantoro";
+// The pause that ends a phrase, in 10 ms frames: short, so that the answer
+// follows the pilot's words at once, yet longer than the gaps inside a
+// phrase ("i l s").
+constexpr const char* kPauseEndsPhraseFrames = "25";
 // Words of the grammar that the dictionary does not know, as they are said.
 struct ExtraWord {
   const char* word;
@@ -59,8 +63,9 @@ SphinxRecogniser::SphinxRecogniser(std::string modelFolder) : d_(std::make_uniqu
   if (modelFolder.empty()) modelFolder = VANTORO_SPHINX_MODELDIR "/en-us";
   const std::string hmm = modelFolder + "/en-us";
   const std::string dict = modelFolder + "/cmudict-en-us.dict";
-  d_->config = cmd_ln_init(nullptr, ps_args(), TRUE, "-hmm", hmm.c_str(), "-dict", dict.c_str(),
-                           "-logfn", "/dev/null", nullptr);
+  d_->config =
+      cmd_ln_init(nullptr, ps_args(), TRUE, "-hmm", hmm.c_str(), "-dict", dict.c_str(),
+                  "-vad_postspeech", kPauseEndsPhraseFrames, "-logfn", "/dev/null", nullptr);
   if (d_->config == nullptr) {
     d_->error = "the speech model could not be read from " + modelFolder;
     return;
