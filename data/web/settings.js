@@ -34,6 +34,8 @@ function build(p) {
   const voice = document.getElementById('VoiceMode');
   p.voiceModes.forEach((m, i) => voice.append(el('option', {value: String(i)}, m)));
   voice.onchange = e => setting('VoiceMode', Number(e.target.value));
+  const phrases = document.getElementById('lstVoiceCommand');
+  phrases.replaceChildren(...(p.voicePhrases || []).map(list => el('li', {}, list.join(', '))));
   document.getElementById('TransitionAltitude').onchange = e => setting('TransitionAltitude', e.target.value);
   for (const k of ['LoadFSXPlanOnConnect', 'GPSOverridesFlightPlan'])
     document.getElementById(k).onchange = e => setting(k, e.target.checked);

@@ -8,6 +8,7 @@
 #include "base/registry.h"
 #include "engine/polling.h"
 #include "engine/tick_rules.h"
+#include "engine/voice_actions.h"
 #include "link/platform_link.h"
 #include "shell/event_json.h"
 #include "voice/sound_queue.h"
@@ -179,6 +180,26 @@ void LiveProgram::WebTick(Instructor& in) {
   PublishState();
 }
 
+void LiveProgram::FollowVoiceMode(Instructor& in) {
+  const bool wanted = in.options.VoiceMode != kVoiceOff && in.flight.UserConnected;
+  if (!wanted) {
+    microphone_.reset();
+    microphoneRefused_ = false;
+    return;
+  }
+  if (microphone_ || microphoneRefused_) return;
+  // The recogniser's thread hands over the phrase's text alone; it is heard
+  // on this thread before the next tick.
+  microphone_ = std::make_unique<MicrophoneListener>([this](const std::string& phrase) {
+    mailbox_.Post([phrase](Instructor& i) { i.HearPhrase(phrase); });
+  });
+  if (std::string why; !microphone_->Start(why)) {
+    microphone_.reset();
+    microphoneRefused_ = true;
+    Note("Voice commands are off: " + why);
+  }
+}
+
 void LiveProgram::PollTick(Instructor& in) {
   TakeWorldWhenLoaded();
   if (RecordingFeed* recording = parts_.recording.get()) {
@@ -206,6 +227,7 @@ void LiveProgram::PollTick(Instructor& in) {
   // recording says so before the tick.
   const int pressedKey = in.flight.VoiceAction;
   in.Tick();
+  FollowVoiceMode(in);
   if (parts_.recording) parts_.recording->AfterTick();
   if (recorder_)
     if (std::string problem = recorder_->AfterTick(in, pressedKey); !problem.empty()) Note(problem);

@@ -17,6 +17,7 @@
 #include "app/flight_recorder.h"
 #include "app/live_bridge.h"
 #include "app/live_loop.h"
+#include "app/microphone.h"
 #include "app/recording_feed.h"
 #include "base/events.h"
 #include "base/seams.h"
@@ -117,6 +118,8 @@ class LiveProgram {
   void RemoteTick(Instructor& in);
   void WebTick(Instructor& in);
   nlohmann::json WorldProgress(const Instructor& in);
+  // The microphone listens while connected with a voice mode chosen.
+  void FollowVoiceMode(Instructor& in);
 
   LiveParts parts_;
   LiveFeed feed_;
@@ -135,6 +138,9 @@ class LiveProgram {
   bool recordingEnded_ = false;
   std::optional<std::string> failure_;
   nlohmann::json slow_;  // what the web timer found last
+  // Last, so that it stops before anything it posts to goes.
+  std::unique_ptr<MicrophoneListener> microphone_;
+  bool microphoneRefused_ = false;  // told once until the voice mode or connection changes
 };
 
 }  // namespace vantoro

@@ -3,6 +3,7 @@
 // the two streams it is given and returns the program's exit status.
 #pragma once
 
+#include <cstdint>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -42,5 +43,11 @@ std::string DefaultRoot(const CliContext& cli);
 int ReplayCommand(const CommandArgs& args, CliContext& cli);
 int GenerateCommand(const CommandArgs& args, CliContext& cli);
 int RecordCommand(const CommandArgs& args, CliContext& cli);
+int HearCommand(const CommandArgs& args, CliContext& cli);
+
+class Recogniser;
+// Feeds the samples (16 kHz mono) to the recogniser in microphone-sized
+// pieces and returns the phrases it heard, in order.
+std::vector<std::string> HearSamples(Recogniser& recogniser, const std::vector<int16_t>& samples);
 
 }  // namespace vantoro

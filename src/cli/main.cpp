@@ -26,6 +26,7 @@ constexpr Command kCommands[] = {
     {"voices", "build [--root DIR] [--jobs N]", vantoro::VoicesCommand},
     {"runways", "nearest|airport|import ...", vantoro::RunwaysCommand},
     {"profile", "FILE [--title T] [--monitor]", vantoro::ProfileCommand},
+    {"hear", "FILE.wav [--root DIR]", vantoro::HearCommand},
 };
 
 void Usage(std::ostream& out) {

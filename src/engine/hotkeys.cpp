@@ -1,5 +1,4 @@
-// The pilot's hot keys in the tick: a waiting key action presses its key for
-// one tick, and the pressed keys act in their fixed order.
+// The pilot's hot keys in the tick: the pressed keys act in their fixed order.
 #include "engine/checklists.h"
 #include "engine/circuit.h"
 #include "engine/tick_rules.h"
@@ -27,16 +26,6 @@ void ShowWhichCheckList(Cockpit& c) {
 }
 
 }  // namespace
-
-void ScanHotKeys(FlightState& f) {
-  // The hot keys caught inside the simulator are registered and read here (hot keys).
-  for (int slot = 1; slot <= kHotKeySlots; ++slot) {
-    if (f.VoiceAction == slot) f.HotKeys[static_cast<size_t>(slot)].Pressed = true;
-  }
-  // A key action is used up by its tick; spoken requests above the keys wait
-  // for the voice actions of the monitors.
-  if (f.VoiceAction >= 1 && f.VoiceAction <= kHotKeySlots) f.VoiceAction = 0;
-}
 
 void HotKeysAct(Cockpit& c) {
   FlightState& f = c.flight;

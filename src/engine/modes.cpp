@@ -409,4 +409,8 @@ void TooLowSetsLanding(Cockpit& c) {
   }
 }
 
+void EnterCruiseByRequest(Cockpit& c, int seconds) {
+  EnterCruise(c, seconds);
+}
+
 }  // namespace vantoro

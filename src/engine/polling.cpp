@@ -16,6 +16,7 @@
 #include "engine/procedures.h"
 #include "engine/tick_rules.h"
 #include "engine/traffic.h"
+#include "engine/voice_actions.h"
 #include "world/geo.h"
 
 namespace vantoro {
@@ -79,7 +80,7 @@ void ProcessTick(Cockpit& c) {
 
   f.TickCount += 1;
 
-  ScanHotKeys(f);
+  ScanHotKeys(c);
 
   QueueTrafficControls(c);
 
@@ -132,10 +133,10 @@ void ProcessTick(Cockpit& c) {
   if (ClockJumpTest(c)) return;
 
   // The monitors, in their order.
-  // Voice actions (VoiceHotKeyAction), the NAV1 retune announcement,
-  // transponder messages and instrument advice on taxi run here; then the
-  // aircraft's own procedures; the fuel, door, pump, lights and COM1-emergency
-  // rules follow them.
+  VoiceHotKeyAction(c);
+  // The NAV1 retune announcement, transponder messages and instrument advice
+  // on taxi run here; then the aircraft's own procedures; the fuel, door,
+  // pump, lights and COM1-emergency rules follow them.
   AircraftProcedures(c);
   FlightPlanHelp(c);
   CruisingWithFlaps(c);

@@ -9,6 +9,7 @@
 #include "engine/tick_rules.h"
 #include "records/flight_log.h"
 #include "shell/instructor.h"
+#include "voice/voice_commands.h"
 #include "world/profiles.h"
 
 namespace vantoro::web {
@@ -462,6 +463,9 @@ json SettingsPage(Instructor& in) {
   j["endFlightLabels"] = kEndFlightLabels;
   j["endFlightTips"] = kEndFlightTips;
   j["voiceModes"] = kVoiceModes;
+  // What the pilot may say: the grammar's phrase lists, as the recogniser
+  // hears them.
+  j["voicePhrases"] = VoiceGrammarLists();
   json devices = json::array();
   if (AudioOut* out = in.cockpit().audio[0]) {
     for (int i = 0; i < out->DeviceCount(); ++i) devices.push_back(out->DeviceName(i));
