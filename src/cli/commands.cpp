@@ -5,6 +5,10 @@
 #include <filesystem>
 #include <system_error>
 
+#ifdef _WIN32
+#include <windows.h>
+#endif
+
 namespace fs = std::filesystem;
 
 namespace vantoro {
@@ -13,7 +17,13 @@ std::string DefaultRoot(const CliContext& cli) {
   std::error_code ec;
   // The running program's own file where the system tells it; else the
   // path it was started by.
+#ifdef _WIN32
+  wchar_t own[MAX_PATH] = {};
+  const DWORD length = GetModuleFileNameW(nullptr, own, MAX_PATH);
+  fs::path program = length > 0 && length < MAX_PATH ? fs::path(own) : fs::path();
+#else
   fs::path program = fs::read_symlink("/proc/self/exe", ec);
+#endif
   if (ec || program.empty()) program = fs::absolute(cli.program, ec);
   if (ec) return {};
   for (fs::path dir = program.parent_path(); !dir.empty(); dir = dir.parent_path()) {

@@ -407,6 +407,11 @@ void WebServer::Routes(httplib::Server& server) {
   server.Post("/api/disconnect", [this](const Request&, Response& res) {
     AskLoop(res, [](Instructor& in) { return web::DisconnectAction(in); });
   });
+  if (options_.onQuit)
+    server.Post("/api/quit", [this](const Request&, Response& res) {
+      res.set_content(R"({"ok":true})", "application/json");
+      options_.onQuit();
+    });
 
   // Pages that read and change the instructor, each through the loop.
   using Action = json (*)(Instructor&, const json&);
