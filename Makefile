@@ -9,7 +9,7 @@ JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
 CLI        := $(BUILD)/src/cli/vantoro-cli
 DEMO_OUT   ?= demo-output
 
-.PHONY: all setup build test test-main test-asan test-windows demo voices bench format clean screenshots
+.PHONY: all setup build test test-main test-asan test-windows release-windows demo voices bench format clean screenshots
 
 all: build
 
@@ -36,16 +36,25 @@ test-asan: setup voices $(ASAN_BUILD)/CMakeCache.txt
 	cmake --build $(ASAN_BUILD) -j $(JOBS)
 	cd $(ASAN_BUILD) && ASAN_OPTIONS=detect_leaks=1 ctest --output-on-failure -j $(JOBS) -L core
 
+# The Windows build takes its header-only libraries from Debian packages into
+# $(WIN_BUILD)/deps (scripts/windows-deps.sh says what it fetched).
 $(WIN_BUILD)/CMakeCache.txt:
+	bash scripts/windows-deps.sh $(WIN_BUILD)
 	cmake -S tests/wine -B $(WIN_BUILD) -DCMAKE_TOOLCHAIN_FILE=$(CURDIR)/cmake/mingw-w64.cmake \
 	  -DCMAKE_BUILD_TYPE=Release -DVANTORO_WERROR=ON
 
-# The Windows simulator link, cross-built with mingw-w64 and tested under wine
-# (on a virtual display, in a fresh wine prefix inside $(WIN_BUILD)) against
-# the test offset server.
+# The Windows program (vantoro.exe, vantoro-cli.exe) and the link,
+# cross-built with mingw-w64 and tested under wine (on a virtual display, in
+# a fresh wine prefix inside $(WIN_BUILD)) against the test offset server.
 test-windows: setup $(WIN_BUILD)/CMakeCache.txt
 	cmake --build $(WIN_BUILD) -j $(JOBS)
 	bash scripts/wine-test.sh $(WIN_BUILD)
+
+# $(WIN_BUILD)/release/Vantoro/ and Vantoro.zip: the two programs, the data
+# with both voice packs, README-Windows.txt and the licences.
+release-windows: setup build voices $(WIN_BUILD)/CMakeCache.txt
+	cmake --build $(WIN_BUILD) -j $(JOBS) --target vantoro vantoro-cli
+	bash scripts/release-windows.sh $(WIN_BUILD)
 
 test: test-main test-asan test-windows
 

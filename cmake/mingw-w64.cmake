@@ -18,6 +18,8 @@ set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-static -static-libgcc -static-libstdc++")
+# zlib (libz-mingw-w64-dev) goes into the programs, not beside them.
+set(ZLIB_USE_STATIC_LIBS ON)
 
 # Windows programs built here run under wine on the build machine.
 find_program(VANTORO_WINE64 NAMES wine64 PATHS /usr/lib/wine NO_DEFAULT_PATH)

@@ -113,4 +113,16 @@ async function start() {
   }
 }
 
-document.addEventListener('DOMContentLoaded', start);
+async function closeVantoro() {
+  try {
+    await api('/api/quit', {});
+    showMessage('msg', 'Vantoro has closed. You can close this page.', true);
+  } catch (x) {
+    showMessage('msg', x.message, false);
+  }
+}
+
+document.addEventListener('DOMContentLoaded', () => {
+  document.getElementById('closeVantoro').addEventListener('click', closeVantoro);
+  start();
+});

@@ -4,10 +4,10 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cmath>
 #include <cstring>
 #include <utility>
 
+#include "app/wave_samples.h"
 #include "base/files.h"
 #include "voice/wav.h"
 
@@ -15,69 +15,28 @@ namespace vantoro {
 
 namespace {
 
-constexpr int kSilentVolume = -10000;  // at or below: nothing is heard
 constexpr snd_pcm_uframes_t kChunkFrames = 1024;
-constexpr uint16_t kWavPcm = 1;
-constexpr uint16_t kWavFloat = 3;
-constexpr uint16_t kWavExtensible = 0xFFFE;
 
 // ALSA's own complaints on standard error are replaced by the program's
 // report of the problem.
 void QuietAlsa(const char*, int, const char*, int, const char*, ...) {}
 
-// Where the samples of a wave file start, or nothing when it has no data chunk.
-std::optional<size_t> DataStart(const std::string& bytes) {
-  size_t at = 12;
-  while (at + 8 <= bytes.size()) {
-    uint32_t length = 0;
-    std::memcpy(&length, bytes.data() + at + 4, 4);
-    if (bytes.compare(at, 4, "data") == 0) return at + 8;
-    at += 8 + static_cast<size_t>(length) + (length & 1u);
+std::optional<snd_pcm_format_t> AlsaFormat(const WavInfo& info) {
+  const std::optional<SampleForm> form = SampleFormOf(info);
+  if (!form) return std::nullopt;
+  switch (*form) {
+    case SampleForm::Unsigned8:
+      return SND_PCM_FORMAT_U8;
+    case SampleForm::Signed16:
+      return SND_PCM_FORMAT_S16_LE;
+    case SampleForm::Signed24:
+      return SND_PCM_FORMAT_S24_3LE;
+    case SampleForm::Signed32:
+      return SND_PCM_FORMAT_S32_LE;
+    case SampleForm::Float32:
+      return SND_PCM_FORMAT_FLOAT_LE;
   }
   return std::nullopt;
-}
-
-std::optional<snd_pcm_format_t> AlsaFormat(const WavInfo& info) {
-  const bool floating = info.format == kWavFloat;
-  if (info.format != kWavPcm && !floating && info.format != kWavExtensible) return std::nullopt;
-  switch (info.bitsPerSample) {
-    case 8:
-      return SND_PCM_FORMAT_U8;
-    case 16:
-      return SND_PCM_FORMAT_S16_LE;
-    case 24:
-      return SND_PCM_FORMAT_S24_3LE;
-    case 32:
-      return floating ? SND_PCM_FORMAT_FLOAT_LE : SND_PCM_FORMAT_S32_LE;
-    default:
-      return std::nullopt;
-  }
-}
-
-// The volume applied to the samples in place (16-bit and float; other forms
-// are played as they are, or silent).
-void ApplyGain(char* data, size_t bytes, snd_pcm_format_t format, double gain) {
-  if (gain == 1.0) return;
-  if (gain <= 0.0 && format != SND_PCM_FORMAT_U8) {
-    std::memset(data, 0, bytes);
-    return;
-  }
-  if (format == SND_PCM_FORMAT_S16_LE) {
-    for (size_t i = 0; i + 2 <= bytes; i += 2) {
-      int16_t s;
-      std::memcpy(&s, data + i, 2);
-      const double scaled = std::clamp(s * gain, -32768.0, 32767.0);
-      s = static_cast<int16_t>(std::lrint(scaled));
-      std::memcpy(data + i, &s, 2);
-    }
-  } else if (format == SND_PCM_FORMAT_FLOAT_LE) {
-    for (size_t i = 0; i + 4 <= bytes; i += 4) {
-      float f;
-      std::memcpy(&f, data + i, 4);
-      f = static_cast<float>(std::clamp(f * gain, -1.0, 1.0));
-      std::memcpy(data + i, &f, 4);
-    }
-  }
 }
 
 std::vector<std::string> ListOutputDevices() {
@@ -98,11 +57,6 @@ std::vector<std::string> ListOutputDevices() {
 }
 
 }  // namespace
-
-double VolumeGain(int volume) {
-  if (volume <= kSilentVolume) return 0.0;
-  return std::pow(10.0, volume / 20.0);
-}
 
 AlsaAudioOut::AlsaAudioOut(std::string systemDefault)
     : systemDefault_(std::move(systemDefault)), device_(systemDefault_) {
@@ -215,7 +169,7 @@ void AlsaAudioOut::Playback(std::string path, std::string device, double gain) {
   const size_t available = std::min<size_t>(info.dataBytes, bytes.size() - *start);
   char* data = bytes.data() + *start;
   const size_t frames = available / info.blockAlign;
-  ApplyGain(data, frames * info.blockAlign, *format, gain);
+  ApplyGain(data, frames * info.blockAlign, *SampleFormOf(info), gain);
   size_t done = 0;
   while (done < frames && !stop_) {
     const snd_pcm_uframes_t n = std::min<snd_pcm_uframes_t>(kChunkFrames, frames - done);

@@ -19,6 +19,7 @@
 #include <thread>
 #include <vector>
 
+#include "app/wave_samples.h"
 #include "voice/audio_out.h"
 
 namespace vantoro {
@@ -27,10 +28,6 @@ namespace vantoro {
 inline constexpr const char* kAlsaDefaultDevice = "default";
 // How much sound ALSA holds ahead of what is heard, microseconds.
 inline constexpr unsigned kAlsaLatencyMicroseconds = 100'000;
-
-// The relative volume as a factor on the samples: the instructor's units are
-// decibels (0 normal, -10 quieter ... 6 louder); -30000 is silence.
-double VolumeGain(int volume);
 
 class AlsaAudioOut final : public AudioOut {
  public:

@@ -1,28 +1,34 @@
 #include "app/data_root.h"
 
-#include <unistd.h>
-
-#include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <system_error>
 
 namespace fs = std::filesystem;
 
 namespace vantoro {
 
-std::string UserDataFolder() {
-  if (const char* xdg = std::getenv("XDG_DATA_HOME"); xdg != nullptr && *xdg != '\0')
-    return (fs::path(xdg) / "vantoro").string();
-  if (const char* home = std::getenv("HOME"); home != nullptr && *home != '\0')
-    return (fs::path(home) / ".local" / "share" / "vantoro").string();
-  return {};
+namespace {
+
+// Whether the program may write in the folder: a file is made there and
+// removed again (the folder's rights, not its read-only flag, decide on
+// Windows, as for "Program Files").
+bool Writable(const fs::path& folder) {
+  const fs::path probe = folder / ".vantoro-write-test";
+  std::error_code ec;
+  {
+    std::ofstream out(probe, std::ios::binary);
+    if (!out || !(out << 'x') || !(out.flush())) return false;
+  }
+  return fs::remove(probe, ec);
 }
+
+}  // namespace
 
 std::string ChooseDataRoot(const std::string& shipped, const std::string& userFolder,
                            std::string& note, std::string& error) {
   std::error_code ec;
-  if (!shipped.empty() && fs::is_directory(shipped, ec) && access(shipped.c_str(), W_OK) == 0)
-    return shipped;
+  if (!shipped.empty() && fs::is_directory(shipped, ec) && Writable(shipped)) return shipped;
   if (userFolder.empty()) {
     error = shipped.empty() ? "no data folder beside the program; name one with --root"
                             : "cannot write to " + shipped + " and no home folder to copy it to";

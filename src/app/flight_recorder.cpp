@@ -1,5 +1,6 @@
 #include "app/flight_recorder.h"
 
+#include <chrono>
 #include <cmath>
 #include <ctime>
 #include <filesystem>
@@ -18,13 +19,11 @@ namespace {
 
 // Seconds since 1970 of a wall time read as UTC (only differences matter).
 double SecondsOf(const WallTime& t) {
-  std::tm tm{};
-  tm.tm_year = t.year - 1900;
-  tm.tm_mon = t.month - 1;
-  tm.tm_mday = t.day;
-  tm.tm_hour = t.hour;
-  tm.tm_min = t.minute;
-  return static_cast<double>(timegm(&tm)) + t.second;
+  using namespace std::chrono;
+  const sys_days day = year_month_day{year{t.year}, month{static_cast<unsigned>(t.month)},
+                                      std::chrono::day{static_cast<unsigned>(t.day)}};
+  const double days = static_cast<double>(day.time_since_epoch().count());
+  return days * 86400.0 + t.hour * 3600.0 + t.minute * 60.0 + t.second;
 }
 
 // The clock is written again when it strays this far from what a replay

@@ -1,9 +1,6 @@
 // vantoro: the live instructor beside the simulator. It flies the pilot's
 // flights (or a recording, in real time), speaks through the sound card,
 // records each flight, and serves the pilot's app to the browser.
-#include <pthread.h>
-#include <signal.h>
-
 #include <CLI/CLI.hpp>
 #include <array>
 #include <chrono>
@@ -14,9 +11,9 @@
 #include <string>
 #include <thread>
 
-#include "app/alsa_audio.h"
 #include "app/data_root.h"
 #include "app/live_program.h"
+#include "app/platform.h"
 #include "app/web/web_server.h"
 #include "link/platform_link.h"
 #include "link/recording.h"
@@ -73,65 +70,12 @@ std::unique_ptr<SimLink> SimulatorLink(const std::string& name, std::string& err
   return nullptr;
 }
 
-// The two sound channels on ALSA, handing their notices back after each step.
-void SoundOnAlsa(LiveParts& parts) {
-  auto first = std::make_unique<AlsaAudioOut>();
-  auto second = std::make_unique<AlsaAudioOut>();
-  std::array<AlsaAudioOut*, 2> devices = {first.get(), second.get()};
-  parts.audio = {std::move(first), std::move(second)};
-  parts.afterSoundStep = [devices] {
-    std::string problem;
-    for (AlsaAudioOut* d : devices)
-      if (std::string p = d->Deliver(); !p.empty()) problem = p;
-    return problem;
-  };
-}
-
-void OpenBrowser(const std::string& url) {
-  const std::string command = "xdg-open '" + url + "' >/dev/null 2>&1 &";
-  if (std::system(command.c_str()) != 0)
-    std::cout << "Open " << url << " in your browser" << std::endl;
-}
-
-// SIGINT and SIGTERM end the program cleanly: a thread of its own waits for
-// them and stops the loop, which closes the flight and its files.
-class SignalWatch {
- public:
-  SignalWatch() {
-    sigemptyset(&set_);
-    sigaddset(&set_, SIGINT);
-    sigaddset(&set_, SIGTERM);
-    sigaddset(&set_, SIGUSR1);
-    // Blocked before any other thread starts, so only this one takes them.
-    pthread_sigmask(SIG_BLOCK, &set_, nullptr);
-  }
-  void Start(LiveProgram& program) {
-    thread_ = std::thread([this, &program] {
-      int signal = 0;
-      while (sigwait(&set_, &signal) == 0) {
-        if (signal == SIGUSR1) return;
-        program.Stop();
-      }
-    });
-  }
-  ~SignalWatch() {
-    if (thread_.joinable()) {
-      pthread_kill(thread_.native_handle(), SIGUSR1);
-      thread_.join();
-    }
-  }
-
- private:
-  sigset_t set_;
-  std::thread thread_;
-};
-
 int Main(int argc, char** argv) {
   Options o;
   CLI::App cli{"vantoro: the flight instructor beside the simulator, and the pilot's app"};
   cli.add_option("--root", o.root,
                  "data root (default: the data beside the program when writable, else "
-                 "~/.local/share/vantoro, copied from it)")
+                 "the pilot's own folder, copied from it)")
       ->option_text("DIR");
   cli.add_option("--port", o.port, "the app's HTTP port on 127.0.0.1 (default 8470)")
       ->option_text("N")
@@ -162,7 +106,7 @@ int Main(int argc, char** argv) {
     return kExitUsage;
   }
 
-  SignalWatch signals;  // before any thread exists
+  StopRequests stopRequests;  // before any thread exists
   LiveParts parts;
   if (!o.replay.empty()) {
     Recording recording;
@@ -210,7 +154,7 @@ int Main(int argc, char** argv) {
     pilot = std::filesystem::absolute(o.pilot, ec).string();
   }
 
-  SoundOnAlsa(parts);
+  SoundOnPlatform(parts);
   ConsoleEvents console;
   parts.alsoTell = &console;
   LiveProgram program(LiveSetup{root}, std::move(parts));
@@ -220,6 +164,7 @@ int Main(int argc, char** argv) {
   appOptions.root = root;
   appOptions.port = o.port;
   appOptions.lanAddress = o.listen;
+  appOptions.onQuit = [&program] { program.Stop(); };
   WebServer app(appOptions, program.mailbox(), program.feed());
   program.stateOf = [](Instructor& in) { return LiveState(in); };
   program.slowStateOf = [](Instructor& in) { return SlowAppState(in); };
@@ -233,9 +178,10 @@ int Main(int argc, char** argv) {
   if (!o.noBrowser) OpenBrowser(app.Url());
 
   program.StartUp(pilot);
-  signals.Start(program);
+  stopRequests.Start(program);
   std::cout << "Vantoro is running; Ctrl+C ends it" << std::endl;
   const int status = program.Run();
+  stopRequests.Finished();
   if (status == kExitReport) std::this_thread::sleep_for(kReportShownFor);
   return status;
 }

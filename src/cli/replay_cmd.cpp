@@ -4,9 +4,12 @@
 // transcript, or JSON lines with --events. Everything is checked before
 // anything is written: a bad recording or option ends with status 2.
 #include <CLI/CLI.hpp>
+#include <chrono>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
+#include <random>
 #include <sstream>
 #include <system_error>
 
@@ -37,13 +40,24 @@ struct ReplayArgs {
   bool instant = false;
 };
 
+// A new folder of its own under the system's temporary folder; "" when none
+// can be made.
 std::string MakeTemporaryFolder() {
   std::error_code ec;
   fs::path base = fs::temp_directory_path(ec);
-  if (ec) base = "/tmp";
-  std::string pattern = (base / "vantoro-replay-XXXXXX").string();
-  if (mkdtemp(pattern.data()) == nullptr) return {};
-  return pattern;
+  if (ec) return {};
+  std::mt19937_64 draw(
+      std::random_device{}() ^
+      static_cast<uint64_t>(std::chrono::steady_clock::now().time_since_epoch().count()));
+  for (int attempt = 0; attempt < 100; ++attempt) {
+    char name[32];
+    std::snprintf(name, sizeof name, "vantoro-replay-%012llx",
+                  static_cast<unsigned long long>(draw() & 0xFFFFFFFFFFFFull));
+    const fs::path folder = base / name;
+    // create_directory is false for a folder that was there already.
+    if (fs::create_directory(folder, ec)) return folder.string();
+  }
+  return {};
 }
 
 }  // namespace

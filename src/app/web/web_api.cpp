@@ -77,7 +77,7 @@ json Done(std::string message = {}) {
 
 // The pilot file's name as the load dialog shows it.
 std::string FileNameOf(const std::string& path) {
-  return fs::path(NativePath(path)).filename();
+  return fs::path(NativePath(path)).filename().string();
 }
 
 bool SafeFileName(const std::string& name) {

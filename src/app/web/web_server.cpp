@@ -411,6 +411,11 @@ void WebServer::Routes(httplib::Server& server) {
     AskLoop(
         res, [](Instructor& in) { return web::DisconnectAction(in); }, kRemote);
   });
+  if (options_.onQuit)
+    server.Post("/api/quit", [this](const Request&, Response& res) {
+      res.set_content(R"({"ok":true})", "application/json");
+      options_.onQuit();
+    });
 
   // Pages that read and change the instructor, each through the loop.
   using Action = json (*)(Instructor&, const json&);

@@ -32,6 +32,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstddef>
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -69,6 +70,9 @@ struct WebServerOptions {
   std::string pairingCode;  // made up at start when empty and a LAN listener is asked
   size_t maxUpload = kMaxUploadBytes;
   std::chrono::milliseconds answerTimeout = kLoopAnswerTimeout;
+  // POST /api/quit ends the program through this (the app's "Close" for a
+  // pilot with no console at hand); without it the route is not served.
+  std::function<void()> onQuit;
 };
 
 class WebServer {
