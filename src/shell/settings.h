@@ -49,6 +49,12 @@ struct Settings {
   bool InstantHelp = true;
   bool TaxiwayTips = true;
   int VoiceMode = 0;  // 0, 1 or 2: kVoiceModes
+  // The simulator link ("fsuipc", "flightgear", "xplane"; empty for the
+  // platform's own) and where the simulator runs (empty: this machine, its
+  // usual port). Written only when chosen.
+  std::string Simulator;
+  std::string SimulatorHost;
+  std::string SimulatorPort;
 
   bool operator==(const Settings&) const = default;
 };
