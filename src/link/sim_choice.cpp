@@ -29,6 +29,8 @@ std::unique_ptr<SimLink> MakeSimulatorLink(const SimChoice& choice, std::string&
   if (choice.name == "flightgear") {
     FlightGearOptions o;
     if (!choice.host.empty()) o.host = choice.host;
+    // FlightGear on another computer sends its packets over the network.
+    if (o.host != "127.0.0.1" && o.host != "localhost") o.listenAddress = "0.0.0.0";
     if (choice.port > 0) o.dataPort = choice.port;
     return std::make_unique<FlightGearLink>(o);
   }
