@@ -96,6 +96,7 @@ double StatusMegabytes(pid_t pid, const std::string& key) {
 }
 
 void BM_StartToAppAnswering(benchmark::State& state) {
+  BenchRoot();  // copied once, before the clock runs
   for (auto _ : state) {
     const auto start = std::chrono::steady_clock::now();
     const pid_t pid = StartProgram();

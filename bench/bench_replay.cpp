@@ -7,9 +7,9 @@
 #include <string>
 
 #include "base/events.h"
-#include "cli/replay.h"
 #include "flightgen/flightgen.h"
 #include "link/recording.h"
+#include "shell/replay.h"
 
 namespace vantoro {
 namespace {

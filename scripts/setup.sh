@@ -12,6 +12,7 @@ packages=(
   libjs-chart.js
   chromium chromium-driver python3-selenium fonts-dejavu-core
   g++-mingw-w64-x86-64 wine wine64 xvfb xauth
+  libpocketsphinx-dev pocketsphinx-en-us
 )
 
 missing=()

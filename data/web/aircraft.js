@@ -16,7 +16,7 @@ async function post(path, body) {
   try {
     const a = await api(path, body);
     render(a);
-    if (a.message) showMessage('msg', a.message, false); else hideMessage('msg');
+    if (a.message) showMessage('msg', a.message, Boolean(a.saved)); else hideMessage('msg');
   } catch (x) {
     showMessage('msg', x.message, false);
     if (x.answer && x.answer.validation) showValidation(x.answer.validation);
@@ -67,8 +67,12 @@ function render(a) {
   const w = a.working;
   const speed = k => (k === 'GearSpeedLimit' && !w[k]) ? 'fixed gear' : w[k] + ' kt';
   const rows = WORKING.map(([k, l]) => el('tr', {}, el('td', {}, l), el('td', {class: 'num'}, speed(k))));
+  // Only the flap positions the profile has: "10°: 110 kt".
+  const flaps = w.FlapSpeedLimit.map((limit, i) => [Number(p.FlapPos[i]), limit])
+    .filter(([degrees]) => degrees > 0)
+    .map(([degrees, limit]) => degrees + '\u00b0: ' + limit + ' kt');
   rows.push(el('tr', {}, el('td', {}, 'Flap speed limits'),
-    el('td', {class: 'num'}, w.FlapSpeedLimit.join(' / '))));
+    el('td', {class: 'num'}, flaps.length ? flaps.join(', ') : 'no flaps')));
   document.getElementById('working').replaceChildren(...rows);
   document.getElementById('MonitorEngines').checked = a.MonitorEngines;
   document.getElementById('InstructorGPWS').checked = a.InstructorGPWS;

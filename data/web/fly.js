@@ -10,6 +10,15 @@ const MAX_LINES = 300;
 // Pieces of one sentence follow each other within this many ticks.
 const JOIN_TICKS = 6;
 let lastReports = [];
+// The last tick of the state, and the tick the message shown goes out at.
+let lastTick = 0;
+let messageUntil = Infinity;
+// The hot keys the app can press for the pilot: slot, what it does, the key
+// in the simulator.
+const HOT_KEYS = [
+  [7, 'Next flight mode', 'Ctrl+Shift+Z'], [8, 'Previous flight mode', 'Ctrl+Shift+X'],
+  [9, 'Airmanship test', 'Ctrl+Shift+C'],
+];
 
 function clockOf(tick) {
   const s = Math.max(0, Math.floor(tick / 2));
@@ -23,6 +32,11 @@ function setText(id, v) {
 }
 
 function renderState(s) {
+  lastTick = s.tick || 0;
+  if (lastTick > messageUntil) {
+    messageUntil = Infinity;
+    document.getElementById('simMessage').textContent = '';
+  }
   const button = document.getElementById('cmdConnect');
   button.textContent = s.connected ? 'Disconnect' : 'Connect';
   button.className = 'big ' + (s.connected ? 'danger' : 'primary');
@@ -45,9 +59,15 @@ function renderState(s) {
   setText('lblReadErrors', s.readErrors || 0);
   setText('linkStatus', s.linkStatus);
   setText('clock', s.clock);
+  const world = (s.app || {}).world;
+  if (world) {
+    setText('world', world.state === 'loaded' ? world.runways.toLocaleString('en') + ' runway ends' :
+      world.state === 'loading' ? 'reading the runways...' : 'no runways');
+  }
   const scores = s.scores || {};
   setText('landingScore', scores.landing ? scores.landing.toFixed(1) : '');
   setText('flightScore', scores.flight ? scores.flight.toFixed(1) : '');
+  setText('circuitScore', scores.circuit ? scores.circuit.toFixed(1) : '');
   const report = s.logBook || lastReports.join('\n\n') || 'No flight has been scored yet.';
   setText('txtLogBook', report);
   const failure = document.getElementById('failure');
@@ -107,9 +127,15 @@ function onEvent(e) {
     case 'mode':
       addLine(ev.tick, 'Flight mode: ' + (MODE_NAMES[ev.mode] || ev.mode), 'event');
       break;
-    case 'message':
+    case 'message': {
+      // The simulator shows a message for its seconds (two ticks a second);
+      // one already gone when the page (re)loads is not shown.
+      const until = ev.tick + 2 * Number(ev.seconds || 0);
+      if (ev.seconds > 0 && until < lastTick) break;
       setText('simMessage', ev.text);
+      messageUntil = ev.seconds > 0 ? until : Infinity;
       break;
+    }
     case 'landing':
       addLine(ev.tick, 'Landing scored ' + Number(ev.score).toFixed(1) +
         (ev.rating ? ' (' + ev.rating + ')' : ''), 'event');
@@ -133,7 +159,26 @@ function onEvent(e) {
   }
 }
 
+function hotKeyButtons() {
+  const box = document.getElementById('hotKeys');
+  for (const [slot, name, key] of HOT_KEYS) {
+    const b = el('button', {id: 'hotKey' + slot, title: 'As ' + key + ' in the simulator',
+      onclick: async () => {
+        b.disabled = true;
+        try {
+          await api('/api/key', {key: slot});
+          setText('hotKeyMessage', name + ': the instructor takes it at the next tick');
+        } catch (x) {
+          setText('hotKeyMessage', x.message);
+        }
+        b.disabled = false;
+      }}, name, el('kbd', {}, key));
+    box.append(b);
+  }
+}
+
 function start() {
+  hotKeyButtons();
   const stream = new EventSource('/api/events');
   stream.addEventListener('state', e => {
     try { renderState(JSON.parse(e.data)); } catch (x) { /* a torn document: the next one comes */ }

@@ -225,6 +225,28 @@ async function start() {
   await loadFlights();
   await loadRecordings();
   await loadTouchdowns();
+  followLog();
+}
+
+// A flight logged while the page is open shows at once: the live stream's
+// state carries the flight log's stamp, which Vantoro looks at every few
+// seconds.
+function followLog() {
+  let stamp;
+  const stream = new EventSource('/api/events?after=' + Number.MAX_SAFE_INTEGER);
+  stream.addEventListener('state', async e => {
+    let s;
+    try { s = JSON.parse(e.data); } catch (x) { return; }
+    const now = s.app ? s.app.logBook : undefined;
+    if (now === undefined || now === stamp) return;
+    const first = stamp === undefined;
+    stamp = now;
+    if (first) return;
+    await loadFlights();
+    await loadRecordings();
+    await loadTouchdowns();
+    document.getElementById('logBookHtml').src = '/api/logbook/html?' + Date.now();
+  });
 }
 
 document.addEventListener('DOMContentLoaded', start);

@@ -34,6 +34,8 @@ function build(p) {
   const voice = document.getElementById('VoiceMode');
   p.voiceModes.forEach((m, i) => voice.append(el('option', {value: String(i)}, m)));
   voice.onchange = e => setting('VoiceMode', Number(e.target.value));
+  const phrases = document.getElementById('lstVoiceCommand');
+  phrases.replaceChildren(...(p.voicePhrases || []).map(list => el('li', {}, list.join(', '))));
   document.getElementById('TransitionAltitude').onchange = e => setting('TransitionAltitude', e.target.value);
   const simNames = {'': 'The computer\'s own (FSUIPC on Windows)', fsuipc: 'FSUIPC (Windows)',
     flightgear: 'FlightGear', xplane: 'X-Plane 11 or 12'};
@@ -80,11 +82,41 @@ function render(p) {
   if (specific) list.value = String(p.soundCard);
 }
 
+// The failure choices are the pilot's own, kept in his pilot file.
+const FAILURE_BOXES = ['WantRandomFailures', 'WantLooseWireFailures', 'InstructorNoticesFailures'];
+
+function renderFailures(p) {
+  const r = p.record;
+  for (const k of FAILURE_BOXES) document.getElementById(k).checked = r[k];
+  document.getElementById('FailureSlider').value = r.FailureSlider;
+  document.getElementById('FailureSliderValue').textContent = r.FailureSlider;
+}
+
+async function failure(key, value) {
+  try {
+    renderFailures(await api('/api/pilot', {record: {[key]: value}}));
+    showMessage('msg', 'Saved', true);
+  } catch (x) {
+    showMessage('msg', x.message, false);
+    renderFailures(await api('/api/pilot'));
+  }
+}
+
+function buildFailures() {
+  for (const k of FAILURE_BOXES)
+    document.getElementById(k).onchange = e => failure(k, e.target.checked);
+  const slider = document.getElementById('FailureSlider');
+  slider.oninput = e => { document.getElementById('FailureSliderValue').textContent = e.target.value; };
+  slider.onchange = e => failure('FailureSlider', Number(e.target.value));
+}
+
 async function start() {
   try {
     const p = await api('/api/settings');
     build(p);
     render(p);
+    buildFailures();
+    renderFailures(await api('/api/pilot'));
   } catch (x) {
     showMessage('msg', x.message, false);
   }

@@ -115,7 +115,7 @@ bool FlightRecorder::Flush() {
          std::fflush(file_) == 0;
 }
 
-std::string FlightRecorder::AfterTick(const Instructor& instructor) {
+std::string FlightRecorder::AfterTick(const Instructor& instructor, int pressedKey) {
   const bool flying = instructor.flight.UserConnected && instructor.flight.Connected;
   if (file_ != nullptr && (!flying || instructor.flight.CurrentFlight != flight_)) {
     // The tick that ended the flight belongs to it: it was written last time
@@ -131,6 +131,7 @@ std::string FlightRecorder::AfterTick(const Instructor& instructor) {
     writer_->Clock(now);
     expectedClock_ = SecondsOf(now);
   }
+  if (pressedKey >= kRecordingKeyFirst && pressedKey <= kRecordingKeyLast) writer_->Key(pressedKey);
   writer_->SampleImage(tap_.Image());
   expectedClock_ += kTickSeconds;
   if (std::chrono::steady_clock::now() - lastFlush_ >= kRecordingFlushEvery && !Flush()) {

@@ -78,9 +78,11 @@ class FlightRecorder {
   // After each polling tick: while connected, the tick is written to the
   // flight's file (opened on the first tick of a flight); a flight that has
   // ended (EndFlight opened the next one) or a connection that has ended
-  // closes the file. Returns "" or what went wrong with the file (the
-  // flight goes on unrecorded).
-  std::string AfterTick(const Instructor& instructor);
+  // closes the file. `pressedKey` is the hot key slot (1..15) the pilot
+  // pressed in the app for this tick, 0 for none: it is written before the
+  // tick, so that the flight replayed hears the same key. Returns "" or what
+  // went wrong with the file (the flight goes on unrecorded).
+  std::string AfterTick(const Instructor& instructor, int pressedKey = 0);
   // Closes the open recording, if any (the program ends).
   void Close();
 

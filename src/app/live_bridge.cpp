@@ -5,27 +5,34 @@
 
 namespace vantoro {
 
-void Mailbox::Post(Work work) {
+void Mailbox::Post(Work work, Due due) {
   std::function<void()> wake;
   {
     std::lock_guard lock(mutex_);
     if (closed_) return;
+    if (due == Due::RemoteTimer) {
+      remote_.push_back(std::move(work));
+      return;  // the remote timer takes it in its turn
+    }
     pending_.push_back(std::move(work));
     wake = wake_;
   }
   if (wake) wake();
 }
 
-std::optional<nlohmann::json> Mailbox::Ask(Question question, std::chrono::milliseconds timeout) {
+std::optional<nlohmann::json> Mailbox::Ask(Question question, std::chrono::milliseconds timeout,
+                                           Due due) {
   auto answer = std::make_shared<std::promise<nlohmann::json>>();
   std::future<nlohmann::json> future = answer->get_future();
-  Post([question = std::move(question), answer](Instructor& instructor) {
-    try {
-      answer->set_value(question(instructor));
-    } catch (...) {
-      answer->set_exception(std::current_exception());
-    }
-  });
+  Post(
+      [question = std::move(question), answer](Instructor& instructor) {
+        try {
+          answer->set_value(question(instructor));
+        } catch (...) {
+          answer->set_exception(std::current_exception());
+        }
+      },
+      due);
   if (future.wait_for(timeout) != std::future_status::ready) return std::nullopt;
   try {
     return future.get();
@@ -34,14 +41,26 @@ std::optional<nlohmann::json> Mailbox::Ask(Question question, std::chrono::milli
   }
 }
 
-size_t Mailbox::RunPending(Instructor& instructor) {
-  std::deque<Work> work;
+namespace {
+
+size_t RunAll(std::mutex& mutex, std::deque<Mailbox::Work>& queue, Instructor& instructor) {
+  std::deque<Mailbox::Work> work;
   {
-    std::lock_guard lock(mutex_);
-    work.swap(pending_);
+    std::lock_guard lock(mutex);
+    work.swap(queue);
   }
-  for (Work& w : work) w(instructor);
+  for (Mailbox::Work& w : work) w(instructor);
   return work.size();
+}
+
+}  // namespace
+
+size_t Mailbox::RunPending(Instructor& instructor) {
+  return RunAll(mutex_, pending_, instructor);
+}
+
+size_t Mailbox::RunRemote(Instructor& instructor) {
+  return RunAll(mutex_, remote_, instructor);
 }
 
 void Mailbox::SetWake(std::function<void()> wake) {
@@ -52,7 +71,9 @@ void Mailbox::SetWake(std::function<void()> wake) {
 void Mailbox::Close() {
   std::lock_guard lock(mutex_);
   closed_ = true;
-  pending_.clear();  // the promises die with them: askers see a broken promise
+  // The promises die with them: askers see a broken promise.
+  pending_.clear();
+  remote_.clear();
 }
 
 void LiveFeed::PublishEvent(std::string jsonLine) {

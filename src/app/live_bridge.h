@@ -11,12 +11,11 @@
 #include <deque>
 #include <functional>
 #include <mutex>
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
-
-#include <nlohmann/json.hpp>
 
 namespace vantoro {
 
@@ -27,14 +26,26 @@ class Mailbox {
   using Work = std::function<void(Instructor&)>;
   using Question = std::function<nlohmann::json(Instructor&)>;
 
-  // Any thread: `work` runs on the loop thread before its next timer body.
-  void Post(Work work);
-  // Any thread but the loop's: runs `question` on the loop thread and waits
-  // for its answer; nothing when the loop did not answer within `timeout`
-  // (the program is ending). The question is dropped if it had not started.
-  std::optional<nlohmann::json> Ask(Question question, std::chrono::milliseconds timeout);
-  // Loop thread: runs every waiting item in the order posted; how many ran.
+  // When posted work runs: before the loop's next timer body (what the app
+  // reads and the pages it edits), or by the remote timer, between two
+  // polling ticks (what acts on the flight: Connect, Disconnect, hot keys,
+  // flight plans), as the pilot's remote requests always were.
+  enum class Due { Now, RemoteTimer };
+
+  // Any thread: `work` runs on the loop thread when it is due.
+  void Post(Work work, Due due = Due::Now);
+  // Any thread but the loop's: runs `question` on the loop thread when it is
+  // due and waits for its answer; nothing when the loop did not answer
+  // within `timeout` (the program is ending). The question is dropped if it
+  // had not started.
+  std::optional<nlohmann::json> Ask(Question question, std::chrono::milliseconds timeout,
+                                    Due due = Due::Now);
+  // Loop thread: runs every waiting item due now, in the order posted; how
+  // many ran.
   size_t RunPending(Instructor& instructor);
+  // Loop thread, the remote timer: runs every waiting remote request in the
+  // order posted; how many ran.
+  size_t RunRemote(Instructor& instructor);
   // Called after each Post, so that the loop can wake at once.
   void SetWake(std::function<void()> wake);
   // No more work is taken; waiting askers return at once.
@@ -43,6 +54,7 @@ class Mailbox {
  private:
   std::mutex mutex_;
   std::deque<Work> pending_;
+  std::deque<Work> remote_;
   std::function<void()> wake_;
   bool closed_ = false;
 };

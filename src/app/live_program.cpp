@@ -8,6 +8,7 @@
 #include "base/registry.h"
 #include "engine/polling.h"
 #include "engine/tick_rules.h"
+#include "engine/voice_actions.h"
 #include "link/platform_link.h"
 #include "shell/event_json.h"
 #include "voice/sound_queue.h"
@@ -84,9 +85,8 @@ LiveProgram::LiveProgram(const LiveSetup& setup, LiveParts parts)
       events_.Emit(in.flight.TickCount, "status", {{"text", problem}});
     }
   });
-  // The remote and web timers have no work of the instructor's yet: the
-  // loop keeps them so that their work slots in (posted work runs before
-  // each of them all the same).
+  loop_.SetBody(LiveTimer::RemoteTimer, [this](Instructor& in) { RemoteTick(in); });
+  loop_.SetBody(LiveTimer::WebTimer, [this](Instructor& in) { WebTick(in); });
 }
 
 LiveProgram::~LiveProgram() {
@@ -99,8 +99,7 @@ void LiveProgram::Note(const std::string& text) {
 }
 
 void LiveProgram::Tell(const Notice& n) {
-  events_.Emit(instructor_->flight.TickCount, "notice",
-               {{"text", NoticeText(n)}, {"file", n.file}});
+  events_.Emit(NoticeEvent(instructor_->flight.TickCount, n));
 }
 
 void LiveProgram::StartUp(std::string_view pilotFile) {
@@ -119,7 +118,9 @@ void LiveProgram::StartUp(std::string_view pilotFile) {
   }
   // Without a simulator folder in the settings every simulator flies over
   // the delivered world: it is read now, off the loop thread, and taken in
-  // by the tick once it is there (a connection before then reads it itself).
+  // by the timers once it is there. A connection waits for it (see
+  // WorldPending): were it to read the world itself meanwhile, the loop
+  // would stand still for the read and the program hold two worlds at once.
   if (NoSimulatorFolder(in.options)) world_ = startup_->OpenWorldInBackground(kDeliveredWorldSim);
   if (recorder_)
     for (const std::string& file : RecoverOpenRecordings(NativePath(in.root)))
@@ -133,6 +134,11 @@ void LiveProgram::StartUp(std::string_view pilotFile) {
   PublishState();
 }
 
+bool LiveProgram::WorldPending() {
+  TakeWorldWhenLoaded();
+  return world_.valid();
+}
+
 void LiveProgram::TakeWorldWhenLoaded() {
   if (!world_.valid() || world_.wait_for(std::chrono::seconds(0)) != std::future_status::ready)
     return;
@@ -141,13 +147,65 @@ void LiveProgram::TakeWorldWhenLoaded() {
   for (size_t i = before; i < startup_->notices().size(); ++i) Tell(startup_->notices()[i]);
 }
 
+nlohmann::json LiveProgram::StateDocument() {
+  nlohmann::json state = stateOf(*instructor_);
+  if (!slow_.is_null() && state.is_object()) state["app"] = slow_;
+  return state;
+}
+
 void LiveProgram::PublishState() {
-  feed_.PublishState(stateOf(*instructor_));
+  feed_.PublishState(StateDocument());
+}
+
+void LiveProgram::RemoteTick(Instructor& in) {
+  // The app's requests that act on the flight, carried out between ticks;
+  // in the first moments, once the world being read is in (a Connect would
+  // read it again on this thread).
+  if (WorldPending()) return;
+  if (mailbox_.RunRemote(in) > 0) PublishState();
+}
+
+nlohmann::json LiveProgram::WorldProgress(const Instructor& in) {
+  const size_t runways = in.world.Runways.size();
+  const char* state = runways > 0 ? "loaded" : world_.valid() ? "loading" : "not loaded";
+  return {{"state", state}, {"runways", runways}, {"stations", in.world.VORStations.size()}};
+}
+
+void LiveProgram::WebTick(Instructor& in) {
+  TakeWorldWhenLoaded();
+  nlohmann::json slow = slowStateOf ? slowStateOf(in) : nlohmann::json::object();
+  slow["world"] = WorldProgress(in);
+  if (slow == slow_) return;
+  slow_ = std::move(slow);
+  PublishState();
+}
+
+void LiveProgram::FollowVoiceMode(Instructor& in) {
+  const bool wanted = in.options.VoiceMode != kVoiceOff && in.flight.UserConnected;
+  if (!wanted) {
+    microphone_.reset();
+    microphoneRefused_ = false;
+    return;
+  }
+  if (microphone_ || microphoneRefused_) return;
+  // The recogniser's thread hands over the phrase's text alone; it is heard
+  // on this thread before the next tick.
+  microphone_ = std::make_unique<MicrophoneListener>([this](const std::string& phrase) {
+    mailbox_.Post([phrase](Instructor& i) { i.HearPhrase(phrase); });
+  });
+  if (std::string why; !microphone_->Start(why)) {
+    microphone_.reset();
+    microphoneRefused_ = true;
+    Note("Voice commands are off: " + why);
+  }
 }
 
 void LiveProgram::PollTick(Instructor& in) {
   TakeWorldWhenLoaded();
   if (RecordingFeed* recording = parts_.recording.get()) {
+    // Replay has the world from the connection on: the recording's first
+    // tick waits for the world being read.
+    if (!recordingConnected_ && WorldPending()) return;
     if (!recording->BeforeTick(in)) {
       if (!recordingEnded_) {
         recordingEnded_ = true;
@@ -165,6 +223,9 @@ void LiveProgram::PollTick(Instructor& in) {
       in.Connect();
     }
   }
+  // A hot key the pilot pressed in the app acts in this tick; the flight's
+  // recording says so before the tick.
+  const int pressedKey = in.flight.VoiceAction;
   in.Tick();
   // What the simulator could not do of the instructor's writes is told once,
   // on the status line and as a notice.
@@ -174,9 +235,10 @@ void LiveProgram::PollTick(Instructor& in) {
       events_.Emit(in.flight.TickCount, "status", {{"text", text}});
       Note(text);
     }
+  FollowVoiceMode(in);
   if (parts_.recording) parts_.recording->AfterTick();
   if (recorder_)
-    if (std::string problem = recorder_->AfterTick(in); !problem.empty()) Note(problem);
+    if (std::string problem = recorder_->AfterTick(in, pressedKey); !problem.empty()) Note(problem);
   PublishState();
 }
 
@@ -191,7 +253,7 @@ int LiveProgram::Run() {
   if (recorder_) recorder_->Close();
   if (failure_) {
     events_.Emit(instructor_->flight.TickCount, "error", {{"text", *failure_}});
-    nlohmann::json state = stateOf(*instructor_);
+    nlohmann::json state = StateDocument();
     state["failure"] = *failure_;
     feed_.PublishState(std::move(state));
     return 70;

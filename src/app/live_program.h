@@ -17,6 +17,7 @@
 #include "app/flight_recorder.h"
 #include "app/live_bridge.h"
 #include "app/live_loop.h"
+#include "app/microphone.h"
 #include "app/recording_feed.h"
 #include "base/events.h"
 #include "base/seams.h"
@@ -99,13 +100,26 @@ class LiveProgram {
 
   // The state document's builder (the app's, when it has one).
   std::function<nlohmann::json(Instructor&)> stateOf = BasicState;
+  // What the app shows that changes slowly (its log book's files), asked
+  // for by the web timer; the state document carries it under "app", with
+  // the world data's loading beside it.
+  std::function<nlohmann::json(Instructor&)> slowStateOf;
 
  private:
   void PollTick(Instructor& in);
   void Note(const std::string& text);
   void Tell(const Notice& n);
   void TakeWorldWhenLoaded();
+  // The world is being read off the loop thread (taken in first when it has
+  // come meanwhile).
+  bool WorldPending();
   void PublishState();
+  nlohmann::json StateDocument();
+  void RemoteTick(Instructor& in);
+  void WebTick(Instructor& in);
+  nlohmann::json WorldProgress(const Instructor& in);
+  // The microphone listens while connected with a voice mode chosen.
+  void FollowVoiceMode(Instructor& in);
 
   LiveParts parts_;
   LiveFeed feed_;
@@ -123,6 +137,10 @@ class LiveProgram {
   bool recordingConnected_ = false;
   bool recordingEnded_ = false;
   std::optional<std::string> failure_;
+  nlohmann::json slow_;  // what the web timer found last
+  // Last, so that it stops before anything it posts to goes.
+  std::unique_ptr<MicrophoneListener> microphone_;
+  bool microphoneRefused_ = false;  // told once until the voice mode or connection changes
 };
 
 }  // namespace vantoro

@@ -21,10 +21,10 @@
 #include "base/files.h"
 #include "base/ini.h"
 #include "base/numbers.h"
-#include "cli/commands.h"
 #include "link/flightgear_protocol.h"
 #include "link/recording.h"
 #include "link/sim_choice.h"
+#include "shell/program_folder.h"
 #include "shell/settings.h"
 
 namespace vantoro {
@@ -45,6 +45,7 @@ struct Options {
   std::string sim;
   std::string simHost;
   int simPort = 0;
+  std::string pilot;
 };
 
 // What the pilot sees in the terminal: the status line, notices, captions
@@ -155,6 +156,8 @@ int Main(int argc, char** argv) {
   cli.add_option("--replay", o.replay,
                  "fly a recording (.vrec or .vrec.gz) in real time instead of a simulator")
       ->option_text("FILE");
+  cli.add_option("--pilot", o.pilot, "pilot file to fly with (default: the settings' last pilot)")
+      ->option_text("FILE");
   cli.add_option("--sim", o.sim, "the simulator link: fsuipc (Windows), flightgear, xplane")
       ->option_text("NAME")
       ->check(CLI::IsMember({"fsuipc", "flightgear", "xplane"}));
@@ -198,8 +201,7 @@ int Main(int argc, char** argv) {
   std::string root = o.root;
   if (root.empty()) {
     std::string note, error;
-    CliContext context{argv[0], std::cout, std::cerr};
-    root = ChooseDataRoot(DefaultRoot(context), UserDataFolder(), note, error);
+    root = ChooseDataRoot(DataBesideProgram(argv[0]), UserDataFolder(), note, error);
     if (root.empty()) {
       std::cerr << "vantoro: " << error << '\n';
       return kExitUsage;
@@ -219,6 +221,16 @@ int Main(int argc, char** argv) {
     }
   }
 
+  std::string pilot;
+  if (!o.pilot.empty()) {
+    std::error_code ec;
+    if (!std::filesystem::is_regular_file(o.pilot, ec)) {
+      std::cerr << "vantoro: no such pilot file " << o.pilot << '\n';
+      return kExitUsage;
+    }
+    pilot = std::filesystem::absolute(o.pilot, ec).string();
+  }
+
   SoundOnAlsa(parts);
   ConsoleEvents console;
   parts.alsoTell = &console;
@@ -231,6 +243,7 @@ int Main(int argc, char** argv) {
   appOptions.lanAddress = o.listen;
   WebServer app(appOptions, program.mailbox(), program.feed());
   program.stateOf = [](Instructor& in) { return LiveState(in); };
+  program.slowStateOf = [](Instructor& in) { return SlowAppState(in); };
   if (std::string error; !app.Start(error)) {
     std::cerr << "vantoro: " << error << '\n';
     return kExitUsage;
@@ -240,7 +253,7 @@ int Main(int argc, char** argv) {
     std::cout << "Pairing code for other devices: " << app.PairingCode() << std::endl;
   if (!o.noBrowser) OpenBrowser(app.Url());
 
-  program.StartUp();
+  program.StartUp(pilot);
   signals.Start(program);
   std::cout << "Vantoro is running; Ctrl+C ends it" << std::endl;
   const int status = program.Run();

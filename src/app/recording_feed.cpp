@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "engine/voice_actions.h"
+#include "link/hotkey_table.h"
 #include "shell/instructor.h"
 
 namespace vantoro {
@@ -26,9 +28,12 @@ bool RecordingFeed::BeforeTick(Instructor& instructor) {
       ++served_;
       return true;
     }
-    // Voice commands are not part of the instructor yet: phrases pass by.
-    if (const StepEffect effect = ApplyStep(step, image_, clock_); effect.key != 0)
+    // A key is pressed inside the simulator (a key not registered yet acts
+    // as if asked for by voice); a phrase is heard by the instructor.
+    const StepEffect effect = ApplyStep(step, image_, clock_);
+    if (effect.key != 0 && !PressHotKeyEntry(image_, HotKeyCode(effect.key)))
       instructor.PressHotKey(effect.key);
+    if (effect.phrase != nullptr) instructor.HearPhrase(*effect.phrase);
   }
   return false;
 }

@@ -35,7 +35,8 @@ std::string RemoveINIComments(std::string_view line, bool commaIsComment) {
 
 namespace {
 
-std::vector<INIEntry> Parse(std::string_view text, const std::string* wanted, bool commaIsComment) {
+std::vector<INIEntry> Parse(std::string_view text, const std::string* wanted, bool commaIsComment,
+                            std::vector<int>* passedOver = nullptr) {
   std::vector<INIEntry> entries;
   std::string section;
   int lineNo = 0;
@@ -63,6 +64,8 @@ std::vector<INIEntry> Parse(std::string_view text, const std::string* wanted, bo
         e.Line = lineNo;
         entries.push_back(std::move(e));
       }
+    } else if (passedOver != nullptr) {
+      passedOver->push_back(lineNo);
     }
   }
   return entries;
@@ -72,6 +75,21 @@ std::vector<INIEntry> Parse(std::string_view text, const std::string* wanted, bo
 
 std::vector<INIEntry> ParseINIText(std::string_view text, bool commaIsComment) {
   return Parse(text, nullptr, commaIsComment);
+}
+
+std::vector<int> INILinesPassedOver(std::string_view text, bool commaIsComment) {
+  std::vector<int> lines;
+  Parse(text, nullptr, commaIsComment, &lines);
+  return lines;
+}
+
+void NoteLinesPassedOver(std::string_view file, std::string_view text, bool commaIsComment,
+                         Notices& notices) {
+  const std::vector<int> lines = INILinesPassedOver(text, commaIsComment);
+  if (lines.empty()) return;
+  const std::string count = lines.size() == 1 ? "a line" : std::to_string(lines.size()) + " lines";
+  notices.push_back(Notice{std::string(file), lines.front(),
+                           count + " neither a [section] nor KEY=VALUE, passed over"});
 }
 
 std::vector<INIEntry> ParseINISectionText(std::string_view text, std::string_view section,

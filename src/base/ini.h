@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "base/notices.h"
+
 namespace vantoro {
 
 struct INIEntry {
@@ -24,6 +26,12 @@ std::string RemoveINIComments(std::string_view line, bool commaIsComment);
 
 // Every entry of the text, in file order.
 std::vector<INIEntry> ParseINIText(std::string_view text, bool commaIsComment);
+// The numbers of the lines that are neither blank, a comment, a section nor
+// "KEY=VALUE": what a tolerant read passes over in a damaged file.
+std::vector<int> INILinesPassedOver(std::string_view text, bool commaIsComment);
+// One notice naming `file` and the first such line, when there are any.
+void NoteLinesPassedOver(std::string_view file, std::string_view text, bool commaIsComment,
+                         Notices& notices);
 // Only the entries of one section; `section` is given with its brackets and
 // compared without case.
 std::vector<INIEntry> ParseINISectionText(std::string_view text, std::string_view section,

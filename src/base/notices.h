@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "base/events.h"
+
 namespace vantoro {
 
 struct Notice {
@@ -24,6 +26,13 @@ inline std::string NoticeText(const Notice& n) {
   if (n.line > 0) out += ":" + std::to_string(n.line);
   out += ": " + n.text;
   return out;
+}
+
+// The "notice" event of a notice: its text, the file and, when known, the line.
+inline Event NoticeEvent(int32_t tick, const Notice& n) {
+  Event e{tick, "notice", {{"text", NoticeText(n)}, {"file", n.file}}};
+  if (n.line > 0) e.fields.emplace_back("line", n.line);
+  return e;
 }
 
 }  // namespace vantoro

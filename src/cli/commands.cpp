@@ -1,27 +1,13 @@
 #include "cli/commands.h"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
-#include <filesystem>
-#include <system_error>
 
-namespace fs = std::filesystem;
+#include "shell/program_folder.h"
 
 namespace vantoro {
 
 std::string DefaultRoot(const CliContext& cli) {
-  std::error_code ec;
-  // The running program's own file where the system tells it; else the
-  // path it was started by.
-  fs::path program = fs::read_symlink("/proc/self/exe", ec);
-  if (ec || program.empty()) program = fs::absolute(cli.program, ec);
-  if (ec) return {};
-  for (fs::path dir = program.parent_path(); !dir.empty(); dir = dir.parent_path()) {
-    const fs::path data = dir / "data";
-    if (fs::is_directory(data, ec)) return data.string();
-    if (dir == dir.parent_path()) break;
-  }
-  return {};
+  return DataBesideProgram(cli.program);
 }
 
 bool ParseCommandLine(CLI::App& app, const CommandArgs& args, CliContext& cli, int& status) {
@@ -37,8 +23,9 @@ bool ParseCommandLine(CLI::App& app, const CommandArgs& args, CliContext& cli, i
     cli.out << app.help();
     status = kExitOk;
     return false;
-  } catch (const CLI::ExtrasError&) {
+  } catch (const CLI::ExtrasError& e) {
     // Told in the order given (the library's own text lists them backwards).
+    const std::string told = e.what();
     app.allow_extras();
     app.clear();
     try {
@@ -47,8 +34,9 @@ bool ParseCommandLine(CLI::App& app, const CommandArgs& args, CliContext& cli, i
       // Only the extras are told.
     }
     std::string extras;
-    for (const std::string& w : app.remaining()) extras += (extras.empty() ? "" : " ") + w;
-    cli.err << app.get_name() << ": not an option or argument of this command: " << extras
+    for (const std::string& w : app.remaining(true)) extras += (extras.empty() ? "" : " ") + w;
+    cli.err << app.get_name() << ": "
+            << (extras.empty() ? told : "not an option or argument of this command: " + extras)
             << "\nRun with --help for the options.\n";
     status = kExitBadInput;
     return false;

@@ -3,6 +3,7 @@
 // the two streams it is given and returns the program's exit status.
 #pragma once
 
+#include <cstdint>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -35,13 +36,18 @@ namespace vantoro {
 // gives status 2. Returns true when the command is to go on.
 bool ParseCommandLine(CLI::App& app, const CommandArgs& args, CliContext& cli, int& status);
 
-// The data folder beside the program: the first folder named "data" in the
-// program's folder or above it (in a build tree, the source tree's data/).
-// Empty when there is none.
+// The data folder beside the program (shell/program_folder.h); empty when
+// there is none.
 std::string DefaultRoot(const CliContext& cli);
 
 int ReplayCommand(const CommandArgs& args, CliContext& cli);
 int GenerateCommand(const CommandArgs& args, CliContext& cli);
 int RecordCommand(const CommandArgs& args, CliContext& cli);
+int HearCommand(const CommandArgs& args, CliContext& cli);
+
+class Recogniser;
+// Feeds the samples (16 kHz mono) to the recogniser in microphone-sized
+// pieces and returns the phrases it heard, in order.
+std::vector<std::string> HearSamples(Recogniser& recogniser, const std::vector<int16_t>& samples);
 
 }  // namespace vantoro

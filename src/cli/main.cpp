@@ -14,8 +14,6 @@ struct Command {
   std::string_view name;
   std::string_view usage;
   int (*run)(const vantoro::CommandArgs&, vantoro::CliContext&);
-  // Commands that read the arguments themselves: argv[0] is their name.
-  int (*runArgv)(int argc, char** argv) = nullptr;
 };
 
 constexpr Command kCommands[] = {
@@ -25,9 +23,10 @@ constexpr Command kCommands[] = {
      vantoro::ReplayCommand},
     {"generate", "SCRIPT OUT.vrec[.gz]", vantoro::GenerateCommand},
     {"record", "OUT.vrec[.gz] [--ticks N] [--root DIR]", vantoro::RecordCommand},
-    {"voices", "build [--root DIR] [--jobs N]", nullptr, vantoro::VoicesCommand},
-    {"runways", "nearest|airport|import ...", nullptr, vantoro::RunwaysCommand},
-    {"profile", "FILE [--title T] [--monitor]", nullptr, vantoro::ProfileCommand},
+    {"voices", "build [--root DIR] [--jobs N]", vantoro::VoicesCommand},
+    {"runways", "nearest|airport|import ...", vantoro::RunwaysCommand},
+    {"profile", "FILE [--title T] [--monitor]", vantoro::ProfileCommand},
+    {"hear", "FILE.wav [--root DIR]", vantoro::HearCommand},
 };
 
 void Usage(std::ostream& out) {
@@ -51,7 +50,7 @@ int main(int argc, char** argv) {
   const vantoro::CommandArgs args(argv + 2, argv + argc);
   for (const Command& c : kCommands) {
     if (c.name != name) continue;
-    return c.runArgv != nullptr ? c.runArgv(argc - 1, argv + 1) : c.run(args, cli);
+    return c.run(args, cli);
   }
   std::cerr << "vantoro-cli: unknown command '" << name << "'\n";
   Usage(std::cerr);

@@ -15,8 +15,8 @@
 #include "base/ini.h"
 #include "cli/commands.h"
 #include "cli/event_writers.h"
-#include "cli/replay.h"
 #include "link/recording.h"
+#include "shell/replay.h"
 #include "shell/startup.h"
 #include "world/flight_plan.h"
 

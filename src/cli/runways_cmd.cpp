@@ -1,5 +1,6 @@
 #include "cli/runways_cmd.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
@@ -28,18 +29,8 @@ namespace fs = std::filesystem;
 constexpr int kDone = 0;
 constexpr int kBadUsage = 2;
 constexpr int kDefaultLimit = 10;
-
-constexpr std::string_view kUsage =
-    "usage: vantoro-cli runways nearest LAT LON [--heading H] [--max-miles M] [--limit N]\n"
-    "                                           [--root DIR] [--sim NAME] [--sim-folder DIR]\n"
-    "       vantoro-cli runways airport ICAO [--root DIR] [--sim NAME] [--sim-folder DIR]\n"
-    "       vantoro-cli runways import APT_DAT NAV_DAT OUTDIR [--ship]\n";
-
-int Usage(std::string_view problem = {}) {
-  if (!problem.empty()) std::cerr << "runways: " << problem << "\n";
-  std::cerr << kUsage;
-  return kBadUsage;
-}
+constexpr int kMostRunways = 100000;
+constexpr double kMostMiles = 12500;  // half the way round the world
 
 // One runway as a JSON object, its properties by name in the record's order.
 std::string RunwayJson(const Runway& r, const double* distance) {
@@ -80,81 +71,33 @@ struct WorldChoice {
   std::string SimFolder;
 };
 
-bool Number(std::string_view text, double& out) {
-  if (!IsNumeric(text)) return false;
-  out = ReadDecimal(text);
-  return true;
+// A number from `low` to `high`, told in the pilot's units when it is not.
+CLI::Validator Within(double low, double high, const std::string& units) {
+  return CLI::Validator(
+      [=](std::string& text) -> std::string {
+        if (IsNumeric(text)) {
+          const double value = ReadDecimal(text);
+          if (value >= low && value <= high) return {};
+        }
+        return "must be " + units + " from " + NumberText(low) + " to " + NumberText(high) +
+               ", not " + text;
+      },
+      units);
 }
 
-// Reads "--name value" pairs after the positional arguments.
-class Options {
- public:
-  Options(int argc, char** argv, int first) {
-    for (int i = first; i < argc; ++i) args_.emplace_back(argv[i]);
-  }
-  // The value of an option, removed from the list; false when missing.
-  bool Take(std::string_view name, std::string& value) {
-    for (size_t i = 0; i < args_.size(); ++i) {
-      if (args_[i] != name) continue;
-      if (i + 1 >= args_.size()) {
-        missing_ = std::string(name);
-        return false;
-      }
-      value = args_[i + 1];
-      args_.erase(args_.begin() + static_cast<long>(i), args_.begin() + static_cast<long>(i) + 2);
-      return true;
-    }
-    return false;
-  }
-  bool Flag(std::string_view name) {
-    auto it = std::find(args_.begin(), args_.end(), name);
-    if (it == args_.end()) return false;
-    args_.erase(it);
-    return true;
-  }
-  void World(WorldChoice& w) {
-    if (!Take("--root", w.Root)) {
-      CliContext cli{"", std::cout, std::cerr};
-      w.Root = DefaultRoot(cli);
-    }
-    Take("--sim", w.Sim);
-    Take("--sim-folder", w.SimFolder);
-  }
-  // Leftovers and options without a value are bad usage.
-  std::string Problem() const {
-    if (!missing_.empty()) return missing_ + " needs a value";
-    if (!args_.empty()) return "unknown argument " + args_.front();
-    return {};
-  }
+// The world options every look-up takes.
+void AddWorldOptions(CLI::App& command, WorldChoice& w) {
+  command.add_option("--root", w.Root, "the data folder (default: the program's own)");
+  command.add_option("--sim", w.Sim, "the simulator whose runway file is read")
+      ->capture_default_str();
+  command.add_option("--sim-folder", w.SimFolder, "the simulator's folder");
+}
 
- private:
-  std::vector<std::string> args_;
-  std::string missing_;
-};
-
-int Nearest(int argc, char** argv) {
-  if (argc < 4) return Usage("nearest needs LAT and LON");
-  double latitude = 0, longitude = 0;
-  if (!Number(argv[2], latitude) || latitude < -90 || latitude > 90)
-    return Usage("LAT must be a number of degrees from -90 to 90");
-  if (!Number(argv[3], longitude) || longitude < -180 || longitude > 180)
-    return Usage("LON must be a number of degrees from -180 to 180");
-  Options opts(argc, argv, 4);
-  WorldChoice choice;
-  opts.World(choice);
-  std::string text;
-  double heading = kNoLimit, maxMiles = kNoLimit, limit = kDefaultLimit;
-  if (opts.Take("--heading", text) && (!Number(text, heading) || heading < 0 || heading > 360))
-    return Usage("--heading must be degrees from 0 to 360");
-  if (opts.Take("--max-miles", text) && (!Number(text, maxMiles) || maxMiles < 0))
-    return Usage("--max-miles must be a number of nautical miles");
-  if (opts.Take("--limit", text) && (!Number(text, limit) || limit < 1))
-    return Usage("--limit must be a count of at least 1");
-  if (std::string p = opts.Problem(); !p.empty()) return Usage(p);
-
+int ListNearest(double latitude, double longitude, double heading, double maxMiles, int limit,
+                const WorldChoice& choice, CliContext& cli) {
   WorldState world;
   std::string message = LoadRunways(world, choice.Root, choice.SimFolder, choice.Sim);
-  if (!message.empty()) std::cerr << message << "\n";
+  if (!message.empty()) cli.err << message << "\n";
   if (!world.RunwaysLoaded()) return kBadUsage;
 
   FillCloseRunways(world, latitude, longitude);
@@ -179,44 +122,33 @@ int Nearest(int argc, char** argv) {
   std::stable_sort(found.begin(), found.end(),
                    [](const Found& a, const Found& b) { return a.miles < b.miles; });
   if (found.size() > static_cast<size_t>(limit)) found.resize(static_cast<size_t>(limit));
-  for (const Found& f : found) std::cout << RunwayJson(*f.runway, &f.miles) << "\n";
+  for (const Found& f : found) cli.out << RunwayJson(*f.runway, &f.miles) << "\n";
   return kDone;
 }
 
-int Airport(int argc, char** argv) {
-  if (argc < 3) return Usage("airport needs ICAO");
-  const std::string code = argv[2];
-  Options opts(argc, argv, 3);
-  WorldChoice choice;
-  opts.World(choice);
-  if (std::string p = opts.Problem(); !p.empty()) return Usage(p);
-
+int ListAirport(const std::string& code, const WorldChoice& choice, CliContext& cli) {
   RunwayFileChoice file = GetRunwayFile(choice.Root, choice.SimFolder, choice.Sim);
   if (file.Path.empty()) {
-    std::cerr << file.Message << "\n";
+    cli.err << file.Message << "\n";
     return kBadUsage;
   }
   WorldState world;
   std::string message = LoadAirportRunways(world, file.Path, code);
-  if (!message.empty()) std::cerr << message << "\n";
-  if (world.SelectedAirport.empty()) std::cerr << "runways: no runways of " << code << "\n";
-  for (const RunwayRecord& r : world.SelectedAirport) std::cout << RunwayJson(r, nullptr) << "\n";
+  if (!message.empty()) cli.err << message << "\n";
+  if (world.SelectedAirport.empty()) cli.err << "runways: no runways of " << code << "\n";
+  for (const RunwayRecord& r : world.SelectedAirport) cli.out << RunwayJson(r, nullptr) << "\n";
   return kDone;
 }
 
-int Import(int argc, char** argv) {
-  if (argc < 5) return Usage("import needs APT_DAT, NAV_DAT and OUTDIR");
-  Options opts(argc, argv, 5);
-  const bool ship = opts.Flag("--ship");
-  if (std::string p = opts.Problem(); !p.empty()) return Usage(p);
-
-  WorldImport world = ImportWorld(argv[2], argv[3]);
-  for (const std::string& w : world.Warnings) std::cerr << w << "\n";
+int Import(const std::string& aptDat, const std::string& navDat, const std::string& outDir,
+           bool ship, CliContext& cli) {
+  WorldImport world = ImportWorld(aptDat, navDat);
+  for (const std::string& w : world.Warnings) cli.err << w << "\n";
   if (!world.Errors.empty()) {
-    for (const std::string& e : world.Errors) std::cerr << e << "\n";
+    for (const std::string& e : world.Errors) cli.err << e << "\n";
     return kBadUsage;
   }
-  const std::string out = TidyFolder(argv[4]);
+  const std::string out = TidyFolder(outDir);
   std::error_code ec;
   fs::create_directories(NativePath(out), ec);
   // Plain files named as a simulator's folder holds them, or the delivered
@@ -232,25 +164,77 @@ int Import(int argc, char** argv) {
   }
   for (const auto& [path, bytes] : files) {
     if (!WriteFileAtomic(path, bytes)) {
-      std::cerr << path << ": cannot be written\n";
+      cli.err << path << ": cannot be written\n";
       return kBadUsage;
     }
   }
-  std::cout << "airports " << world.Airports << ", runway ends " << world.RunwayEnds
-            << " (with a localiser " << world.ILSEnds << "), VORs " << world.VORs << ", NDBs "
-            << world.NDBs << "\n";
+  cli.out << "airports " << world.Airports << ", runway ends " << world.RunwayEnds
+          << " (with a localiser " << world.ILSEnds << "), VORs " << world.VORs << ", NDBs "
+          << world.NDBs << "\n";
   return kDone;
 }
 
 }  // namespace
 
-int RunwaysCommand(int argc, char** argv) {
-  if (argc < 2) return Usage();
-  const std::string_view action = argv[1];
-  if (action == "nearest") return Nearest(argc, argv);
-  if (action == "airport") return Airport(argc, argv);
-  if (action == "import") return Import(argc, argv);
-  return Usage("unknown action " + std::string(action));
+int RunwaysCommand(const CommandArgs& args, CliContext& cli) {
+  CLI::App app("Looks up the world's runways, or imports the world from airport and navaid files.",
+               "vantoro-cli runways");
+  app.require_subcommand(1);
+
+  double latitude = 0, longitude = 0, heading = kNoLimit, maxMiles = kNoLimit;
+  int limit = kDefaultLimit;
+  WorldChoice nearestWorld;
+  CLI::App* nearest = app.add_subcommand(
+      "nearest", "the runways nearest a position, nearest first, one JSON object a line");
+  nearest->add_option("LAT", latitude, "degrees north")
+      ->required()
+      ->check(Within(-90, 90, "degrees"));
+  nearest->add_option("LON", longitude, "degrees east")
+      ->required()
+      ->check(Within(-180, 180, "degrees"));
+  nearest
+      ->add_option("--heading", heading, "only runways ahead on this heading and aligned with it")
+      ->check(Within(0, 360, "degrees"));
+  nearest->add_option("--max-miles", maxMiles, "only runways within so many nautical miles")
+      ->check(Within(0, kMostMiles, "nautical miles"));
+  nearest->add_option("--limit", limit, "at most so many runways")
+      ->check(CLI::Range(1, kMostRunways))
+      ->capture_default_str();
+  AddWorldOptions(*nearest, nearestWorld);
+
+  std::string code;
+  WorldChoice airportWorld;
+  CLI::App* airport = app.add_subcommand("airport", "every runway of one airport");
+  airport->add_option("ICAO", code, "the airport's code")->required();
+  AddWorldOptions(*airport, airportWorld);
+
+  std::string aptDat, navDat, outDir;
+  bool ship = false;
+  CLI::App* import = app.add_subcommand(
+      "import", "the world's runway and VOR files from X-Plane/FlightGear apt.dat and nav.dat");
+  import->add_option("APT_DAT", aptDat, "the airport file")->required();
+  import->add_option("NAV_DAT", navDat, "the navaid file")->required();
+  import->add_option("OUTDIR", outDir, "where the files are written")->required();
+  import->add_flag("--ship", ship, "compressed, named as the delivered world");
+
+  const auto isAction = [&](const std::string& word) {
+    for (const CLI::App* action : app.get_subcommands({}))
+      if (action->get_name() == word) return true;
+    return false;
+  };
+  if (!args.empty() && !args[0].starts_with("-") && !isAction(args[0])) {
+    cli.err << "vantoro-cli runways: unknown action " << args[0]
+            << " (nearest, airport or import)\nRun with --help for the options.\n";
+    return kBadUsage;
+  }
+  int parsed = kDone;
+  if (!ParseCommandLine(app, args, cli, parsed)) return parsed;
+  for (WorldChoice* w : {&nearestWorld, &airportWorld})
+    if (w->Root.empty()) w->Root = DefaultRoot(cli);
+  if (*nearest)
+    return ListNearest(latitude, longitude, heading, maxMiles, limit, nearestWorld, cli);
+  if (*airport) return ListAirport(code, airportWorld, cli);
+  return Import(aptDat, navDat, outDir, ship, cli);
 }
 
 }  // namespace vantoro

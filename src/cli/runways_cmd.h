@@ -2,10 +2,12 @@
 // the world from the X-Plane/FlightGear airport and navaid files.
 #pragma once
 
+#include "cli/commands.h"
+
 namespace vantoro {
 
-// argv[0] is "runways"; argv[1] the action: "nearest", "airport" or "import".
+// The action ("nearest", "airport" or "import") and its arguments.
 // Exit status 0 done, 2 bad usage or bad input.
-int RunwaysCommand(int argc, char** argv);
+int RunwaysCommand(const CommandArgs& args, CliContext& cli);
 
 }  // namespace vantoro

@@ -1,8 +1,8 @@
 #include "cli/voices_cmd.h"
 
+#include <CLI/CLI.hpp>
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <string>
 
 #include "voice/voice_pack.h"
@@ -11,44 +11,39 @@ namespace vantoro {
 
 namespace {
 
-constexpr int kUsage = 2;
-
-int Usage() {
-  std::fprintf(stderr, "usage: vantoro-cli voices build [--root DIR] [--jobs N]\n");
-  return kUsage;
-}
-
 // Without --root: the data folder of the working directory.
 constexpr const char* kDefaultRoot = "data";
+constexpr int kMostJobs = 64;
 
 }  // namespace
 
-int VoicesCommand(int argc, char** argv) {
-  if (argc < 2 || std::string(argv[1]) != "build") return Usage();
+int VoicesCommand(const CommandArgs& args, CliContext& cli) {
   VoicePackOptions options;
   options.Root = kDefaultRoot;
-  for (int i = 2; i < argc; ++i) {
-    const std::string arg = argv[i];
-    if (arg == "--root" && i + 1 < argc) {
-      options.Root = argv[++i];
-    } else if (arg == "--jobs" && i + 1 < argc) {
-      options.Jobs = std::atoi(argv[++i]);
-      if (options.Jobs < 1) return Usage();
-    } else {
-      return Usage();
-    }
-  }
+  CLI::App app("Renders the instructors' voice packs from the captions.", "vantoro-cli voices");
+  app.require_subcommand(1);
+  CLI::App* build = app.add_subcommand(
+      "build", "renders every caption not yet up to date into ROOT/Sound, for each instructor");
+  build->add_option("--root", options.Root, "the data folder")->capture_default_str();
+  build->add_option("--jobs", options.Jobs, "phrases rendered at once")
+      ->check(CLI::Range(1, kMostJobs))
+      ->capture_default_str();
+  int parsed = kExitOk;
+  if (!ParseCommandLine(app, args, cli, parsed)) return parsed;
 
   const auto start = std::chrono::steady_clock::now();
   const VoicePackReport report = BuildVoicePacks(options);
   const double seconds =
       std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 
-  for (const std::string& problem : report.Problems) std::fprintf(stderr, "%s\n", problem.c_str());
-  std::printf(
+  for (const std::string& problem : report.Problems) cli.err << problem << "\n";
+  char line[256];
+  std::snprintf(
+      line, sizeof line,
       "voices: %d files in %zu packs below %s/Sound: %d made, %d up to date, %.1f MB, %.1f s\n",
       report.Files, options.Instructors.size(), options.Root.c_str(), report.Rendered,
       report.UpToDate, static_cast<double>(report.Bytes) / 1e6, seconds);
+  cli.out << line;
   return report.Ok() ? 0 : 1;
 }
 

@@ -2,10 +2,12 @@
 // voice packs from the captions into DIR/Sound.
 #pragma once
 
+#include "cli/commands.h"
+
 namespace vantoro {
 
-// argv[0] is "voices"; without --root the packs go below ./data.
+// "build" and its options; without --root the packs go below ./data.
 // Exit status 0 done, 2 bad usage, 1 packs incomplete.
-int VoicesCommand(int argc, char** argv);
+int VoicesCommand(const CommandArgs& args, CliContext& cli);
 
 }  // namespace vantoro

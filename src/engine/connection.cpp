@@ -7,6 +7,7 @@
 
 #include "base/files.h"
 #include "engine/tick_rules.h"
+#include "engine/voice_actions.h"
 #include "records/flight_stats.h"
 #include "world/flight_plan.h"
 #include "world/profiles.h"
@@ -166,6 +167,10 @@ bool ConnectToFS(Cockpit& c) {
   f.Flights = {};
   f.CurrentFlight = 1;
   f.CircuitsWanted = false;
+  c.checklists = ChecklistsState{};
+  c.circuit = CircuitState{};
+  c.sound.Status.CircuitTraining = false;
+  c.sound.Status.CircuitLeg.clear();
   f.UnknownAircraftShown = false;
   f.CrashOnLanding = false;
   f.Crashed = false;
@@ -226,7 +231,7 @@ void DisconnectFromFS(Cockpit& c, int reason, std::string_view cause) {
   // keeps the family shut, so that the pilot hears the crash and not this.
   Voice v = c.voice();
   PlayAndPurge(v, "VNTRDisconnect.wav", 0, 0);
-  // The hot keys' entries in the simulator are released here (hot keys).
+  UnregisterHotKeys(c);
 
   // An estimated profile: the pilot is told how to correct its figures.
   std::string notice;

@@ -1,30 +1,37 @@
-// The pilot's hot keys in the tick: a waiting key action presses its key for
-// one tick, and the pressed keys act in their fixed order.
+// The pilot's hot keys in the tick: the pressed keys act in their fixed order.
+#include "engine/checklists.h"
+#include "engine/circuit.h"
 #include "engine/tick_rules.h"
+#include "records/flight_stats.h"
 
 namespace vantoro {
 
 namespace {
 
 constexpr int kMicMessageSeconds = 2;
+constexpr int kWhichCheckListSeconds = 8;
+
+// Key 11: the pilot errors so far, the height, the ground's elevation and the
+// list the checklist key would read.
+void ShowWhichCheckList(Cockpit& c) {
+  const FSData& now = c.link.Now();
+  const std::string height =
+      now.OnGround > 0 ? std::string("On Ground") : std::to_string(static_cast<int>(now.AGL));
+  ShowMessage(
+      c,
+      ProcessNextCheckList(
+          c, "PilotErrors:" + std::to_string(FlightPPScore(c.flight.Flight())) + "  AGL:" + height +
+                 "  GrndAlt:" + std::to_string(now.GroundAltitude) + "   Checklist Key: "),
+      kWhichCheckListSeconds);
+}
 
 }  // namespace
-
-void ScanHotKeys(FlightState& f) {
-  // The hot keys caught inside the simulator are registered and read here (hot keys).
-  for (int slot = 1; slot <= kHotKeySlots; ++slot) {
-    if (f.VoiceAction == slot) f.HotKeys[static_cast<size_t>(slot)].Pressed = true;
-  }
-  // A key action is used up by its tick; spoken requests above the keys wait
-  // for the voice actions of the monitors.
-  if (f.VoiceAction >= 1 && f.VoiceAction <= kHotKeySlots) f.VoiceAction = 0;
-}
 
 void HotKeysAct(Cockpit& c) {
   FlightState& f = c.flight;
   auto pressed = [&f](int slot) { return f.HotKeys[static_cast<size_t>(slot)].Pressed; };
 
-  // Key 4 or 10 asks for circuit training here (circuit training).
+  if (pressed(4) || pressed(10)) CircuitHotKey(c);
   if (pressed(14)) {
     f.MicEnabled = !f.MicEnabled;
     if (c.options.ShowMicState)
@@ -33,8 +40,8 @@ void HotKeysAct(Cockpit& c) {
   if (pressed(5) || pressed(9)) f.ExtraSpeechWanted = !f.ExtraSpeechWanted;
   if (pressed(1) || pressed(7)) AdvanceFlightMode(c);
   if (pressed(2) || pressed(8)) BackUpFlightMode(c);
-  // Key 11 shows the pilot errors, the height, the ground altitude, the range
-  // and the check list key; key 12 moves to the next check list (check lists).
+  if (pressed(11)) ShowWhichCheckList(c);
+  if (pressed(12)) ProcessCheckLists(c);
   // Key 3 or 6 shows and spells the flight plan's departure and destination (flight plans).
 }
 

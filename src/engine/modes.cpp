@@ -4,8 +4,10 @@
 #include <cstdlib>
 
 #include "engine/approach.h"
+#include "engine/circuit.h"
 #include "engine/end_flight.h"
 #include "engine/navigation.h"
+#include "engine/procedures.h"
 #include "engine/tick_rules.h"
 #include "records/clocks.h"
 #include "records/flight_stats.h"
@@ -84,7 +86,7 @@ void EnterCruise(Cockpit& c, int seconds) {
   Voice v = c.voice();
   PlayPerhaps(v, "Cruise.wav", 6, 30, 4);
   if (FlightPPScore(c.flight.Flight()) == 0) PlayPerhaps(v, "FlightGoodSoFar.wav", 97, 30, 12);
-  // The aircraft's cruise advice begins here (BeginCruiseAdvice).
+  BeginCruiseAdvice(c);
 }
 
 // The landing's score, report and verdict. A touchdown that turns out to be
@@ -102,6 +104,8 @@ void EvaluateLanding(Cockpit& c) {
       .VisualAirport = {},
       .VisualRunway = {},
       .CircuitMode = f.CircuitsWanted,
+      .CircuitReferenceLatitude = c.circuit.ReferenceLatitude,
+      .CircuitReferenceLongitude = c.circuit.ReferenceLongitude,
       .Ended = c.clock.Now(),
   };
   Voice v = c.voice();
@@ -356,8 +360,7 @@ void LiftOffTest(Cockpit& c) {
     Voice v = c.voice();
     PlayPerhaps(v, "CircuitStarts.wav", 90, 30, 4);
   }
-  // The circuit reference is taken here: runway heading from NAV1's OBS, the
-  // start altitude and the headings of the legs (circuit training).
+  TakeCircuitReference(c);
 }
 
 void LandingOnGround(Cockpit& c) {
@@ -404,6 +407,10 @@ void TooLowSetsLanding(Cockpit& c) {
       before.AGL - now.AGL > kTooLowSinkPerTick) {
     SetFlightMode(c, FlightMode::Landing);
   }
+}
+
+void EnterCruiseByRequest(Cockpit& c, int seconds) {
+  EnterCruise(c, seconds);
 }
 
 }  // namespace vantoro

@@ -15,6 +15,12 @@ inline constexpr int kEndFlightWhenStoppedOrTaxiing = 0;
 inline constexpr int kEndFlightWhenBrakeSet = 1;
 inline constexpr int kEndFlightWhenShutDown = 2;
 
+// The reminder interval of the aircraft procedures, in ticks: 120 repeats an
+// autopilot-mode reminder every 30 seconds and the flaps-up call every 15.
+inline constexpr int32_t kDefaultReminderInterval = 120;
+inline constexpr int32_t kShortestReminderInterval = 4;
+inline constexpr int32_t kLongestReminderInterval = 2400;
+
 // The pilot's own choices that the tick reads, as his pilot file keeps them
 // (the file's rows are in shell/option_fields.h). The pilot page and the
 // tick share this one struct.
@@ -70,6 +76,11 @@ struct EngineOptions : PilotOptions {
   bool AviationTips = true;  // second box
   bool TaxiwayTips = true;   // fourth box
   int VoiceMode = 0;         // 0 off, 1 on the microphone key, 2 listening at all times
+  // The repeated reminders of the aircraft procedures: the autopilot-mode
+  // reminders (engage MCP speed, altitude, heading) wait half this many ticks
+  // before they are said again, the flaps-up call a quarter. Settings key
+  // "ReminderInterval" in [Misc].
+  int32_t ReminderInterval = kDefaultReminderInterval;
 
   // From the pilot file (the pilot's choices above too).
   std::string PilotName;

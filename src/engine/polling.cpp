@@ -7,10 +7,16 @@
 
 #include "base/numbers.h"
 #include "engine/approach.h"
+#include "engine/checklists.h"
+#include "engine/circuit.h"
 #include "engine/cruise.h"
+#include "engine/failures.h"
 #include "engine/ground.h"
 #include "engine/navigation.h"
+#include "engine/procedures.h"
 #include "engine/tick_rules.h"
+#include "engine/traffic.h"
+#include "engine/voice_actions.h"
 #include "world/geo.h"
 
 namespace vantoro {
@@ -74,7 +80,7 @@ void ProcessTick(Cockpit& c) {
 
   f.TickCount += 1;
 
-  ScanHotKeys(f);
+  ScanHotKeys(c);
 
   QueueTrafficControls(c);
 
@@ -105,6 +111,7 @@ void ProcessTick(Cockpit& c) {
   f.PreviousModes = f.Modes;
 
   HotKeysAct(c);
+  UpdateNextCheckList(c);
 
   // With a runway database the landing runway is picked again below 500 feet,
   // and the runway's relative bearing refreshed.
@@ -115,8 +122,10 @@ void ProcessTick(Cockpit& c) {
 
   if (!f.FlightStarted) BeginFlight(c);
 
-  // The failure timers run here (AnnounceIFInstructorNoticesFailures,
-  // BuildFailureEventList).
+  // The failure timers.
+  CountFailureSeconds(c);
+  AnnounceIFInstructorNoticesFailures(c);
+  BuildFailureEventList(c);
 
   if (CrashFlagTest(c)) return;
 
@@ -124,18 +133,25 @@ void ProcessTick(Cockpit& c) {
   if (ClockJumpTest(c)) return;
 
   // The monitors, in their order.
-  // Voice actions (VoiceHotKeyAction), the NAV1 retune announcement,
-  // transponder messages, instrument advice on taxi, the aircraft's start-up,
-  // fuel, door, pump, lights and COM1-emergency rules run here.
+  VoiceHotKeyAction(c);
+  // The NAV1 retune announcement, transponder messages and instrument advice
+  // on taxi run here; then the aircraft's own procedures; the fuel, door,
+  // pump, lights and COM1-emergency rules follow them.
+  AircraftProcedures(c);
   FlightPlanHelp(c);
   CruisingWithFlaps(c);
-  // Navigation advice, engine loss announcements, chatter and the piston
-  // mixture rules run here.
+  // Navigation advice runs here.
+  AnnounceEngineLossAirborne(c);
+  // Chatter and the piston mixture rules run here.
   AutoDetectCruise(c);
   AutoDetectLanding(c);
-  // Traffic is called out here (ProcessTCASGround, ProcessTCASAir).
+  if (now.OnGround != 0) {
+    if (c.options.MonGT) ProcessTCASGround(c);
+  } else if (c.options.MonAT) {
+    ProcessTCASAir(c);
+  }
   GoodSoFarRemarks(c);
-  // The random engine failure strikes here (failures).
+  RandomEngineFire(c);
   SimulationRatePenalty(c);
   AutoPilotPenalty(c);
   LiftOffTest(c);
@@ -150,7 +166,8 @@ void ProcessTick(Cockpit& c) {
     GroundRules(c);
     TaxiRules(c);
   } else if (f.GroundLatch != 1) {
-    // Random failures and the fuel leak run here, then the waypoints.
+    RandomFailures(c);
+    // The fuel leak runs here, then the waypoints.
     WayPointCheck(c);
     NextWayPointCheck(c);
     SuggestNavAid(c);
@@ -160,7 +177,7 @@ void ProcessTick(Cockpit& c) {
     AnnounceMarkers(c);
     AutoTuneILS(c);
     LandingModeArrival(c);
-    // The circuit monitors run here; then the flight monitors.
+    CircuitMonitors(c);
     AttitudeAndLoadLimits(c);
     StallWarnings(c);
     ApproachMonitors(c);
@@ -168,7 +185,8 @@ void ProcessTick(Cockpit& c) {
     // the approach's last (lower the gear, or slow down to lower it).
     LowerGearAdvice(c);
     GearAndNeverExceedSpeeds(c);
-    // The flap speed rules run here (aircraft procedures).
+    CheckFlapSpeeds(c);
+    CheckVno(c);
     ClimbOutRules(c);
     TooLowSetsLanding(c);
     if (link.Before().OnGround > 0 && now.OnGround > 0) TouchdownTest(c);

@@ -3,6 +3,7 @@
 // against the wind, taxi speed and the brakes.
 #include <cstdlib>
 
+#include "engine/checklists.h"
 #include "engine/ground.h"
 #include "engine/tick_rules.h"
 #include "records/flight_stats.h"
@@ -199,8 +200,7 @@ void TaxiRules(Cockpit& c) {
     if (GiveAdvice(c, "MainExitClosedandCheckComplete.wav", 106, 30, 16, 0))
       f.Ground.DoorClosedToldFlight = f.CurrentFlight;
   }
-  // The run-up check is told complete here (CheckIfRunUpComplete, aircraft
-  // procedures).
+  CheckIfRunUpComplete(c);
 
   if (now.GS < kStoppedBelowGS) {
     ControlCheck(c);

@@ -94,8 +94,6 @@ void LinkFailure(Cockpit& c, std::string_view words, int result);
 
 // --- Hot keys (hotkeys.cpp) ---
 
-// A waiting key action (1..15) presses its hot key for this tick.
-void ScanHotKeys(FlightState& f);
 // The hot keys act, in the order of the tick.
 void HotKeysAct(Cockpit& c);
 void ClearPressedKeys(FlightState& f);
@@ -105,6 +103,9 @@ void ClearPressedKeys(FlightState& f);
 void BeginFlight(Cockpit& c);
 void AdvanceFlightMode(Cockpit& c);
 void BackUpFlightMode(Cockpit& c);
+// Cruise asked for by the pilot, with its sounds: "Cruise...", "Cruise.wav"
+// and, with no error so far, "FlightGoodSoFar.wav".
+void EnterCruiseByRequest(Cockpit& c, int seconds);
 void AutoDetectCruise(Cockpit& c);
 void AutoDetectLanding(Cockpit& c);
 void GoodSoFarRemarks(Cockpit& c);

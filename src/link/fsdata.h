@@ -174,6 +174,8 @@ struct FSData {
   bool CrashDetection{};        // crash detection in the simulator on
   int32_t Eng1StarterSwitch{};  // engine 1 starter switch word
   int32_t Eng2StarterSwitch{};  // engine 2 starter switch word
+  int32_t Eng3StarterSwitch{};  // engine 3 starter switch word (0x09C2)
+  int32_t Eng4StarterSwitch{};  // engine 4 starter switch word (0x0A5A)
   int32_t Eng1MixtureLever{};   // engine 1 mixture lever, raw; 16384 is full rich
   int32_t Eng2MixtureLever{};   // engine 2 mixture lever, raw
   int32_t Eng3MixtureLever{};   // engine 3 mixture lever, raw
@@ -224,6 +226,16 @@ struct FSData {
   bool MasterBattery{};      // master battery on (0x281C); for folder "A2A_C172" it is the opposite
                              // of FailElectrics, for "A2A_C182" bit 64 of the 0x281C byte
   int32_t MasterAvionics{};  // master avionics on
+
+  // Values of the aircraft procedures.
+  double Eng1N1{};           // engine 1 N1, percent: raw (0x0898) x 100 / 16384
+  double Eng2N1{};           // engine 2 N1, percent (0x0930)
+  int32_t APAltitudeBug{};   // autopilot altitude bug, feet: CLng(raw (0x07D4) / 65536 x 3.28084)
+  int32_t APSpeedBug{};      // autopilot speed bug, knots (0x07E2)
+  int32_t OutsideAirTemp{};  // outside air temperature, whole degrees C: CLng(raw (0x0E8C) / 256)
+  int32_t TotalAirTemp{};    // total air temperature, whole degrees C: CLng(raw (0x11D0) / 256)
+  double Eng1CowlFlaps{};    // engine 1 cowl flaps, 0 closed to 1 open (0x37F0)
+  double Eng2CowlFlaps{};    // engine 2 cowl flaps (0x3730)
 };
 
 }  // namespace vantoro

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "link/hotkey_table.h"
 #include "link/snapshot.h"
 
 namespace vantoro {
@@ -213,6 +214,19 @@ bool ImageLink::Process(int& result) {
   }
   result = kLinkOk;
   return true;
+}
+
+}  // namespace vantoro
+
+namespace vantoro {
+
+bool PressHotKeyEntry(OffsetImage& image, uint16_t keyCode) {
+  for (int entry = 0; entry < kHotKeyEntries; ++entry) {
+    const uint32_t at = HotKeyEntryOffset(entry);
+    if (image.U16(at) != keyCode) continue;
+    return image.SetU8(at + kHotKeyHitByte, 1);
+  }
+  return false;
 }
 
 }  // namespace vantoro

@@ -463,6 +463,10 @@ void RecordingWriter::Comment(std::string_view text) {
   text_ += "\n";
 }
 
+void RecordingWriter::Key(int slot) {
+  text_ += "key " + std::to_string(slot) + "\n";
+}
+
 void RecordingWriter::Diff(uint32_t first, const uint8_t* now, uint8_t* before, uint32_t size) {
   uint32_t i = 0;
   while (i < size) {

@@ -91,6 +91,8 @@ class RecordingWriter {
   void SampleImage(const OffsetImage& image);
   void Clock(const WallTime& t);
   void Comment(std::string_view text);
+  // The pilot pressed hot key `slot` (1..15) before the next tick.
+  void Key(int slot);
 
  private:
   void Diff(uint32_t first, const uint8_t* now, uint8_t* before, uint32_t size);

@@ -341,6 +341,8 @@ void DecodeEngines(const OffsetBlock& m, FSData& d) {
   d.Eng4MixtureLever = m.U16(0x0A58);
   d.Eng1StarterSwitch = m.U16(0x0892);
   d.Eng2StarterSwitch = m.U16(0x092A);
+  d.Eng3StarterSwitch = m.U16(0x09C2);
+  d.Eng4StarterSwitch = m.U16(0x0A5A);
 }
 
 void DecodeFlightModelDoubles(const OffsetBlock& m, FSData& d) {
@@ -349,6 +351,21 @@ void DecodeFlightModelDoubles(const OffsetBlock& m, FSData& d) {
   d.Eng4FuelFlowPPH = m.F64(0x0A48);
   d.Double0AE0 = m.F64(0x0AE0);
   d.TotalWeight = m.F64(0x3428);
+}
+
+// What the aircraft procedures read besides the common values.
+void DecodeProcedureValues(const OffsetBlock& m, FSData& d) {
+  constexpr double kN1Full = 16384;
+  constexpr double kAltitudeBugPerMetre = 65536;
+  constexpr double kTemperaturePerDegree = 256;
+  d.Eng1N1 = m.U16(0x0898) * 100.0 / kN1Full;
+  d.Eng2N1 = m.U16(0x0930) * 100.0 / kN1Full;
+  d.APAltitudeBug = CLng(m.I32(0x07D4) / kAltitudeBugPerMetre * kFeetPerMetreVs);
+  d.APSpeedBug = m.U16(0x07E2);
+  d.OutsideAirTemp = CLng(m.I16(0x0E8C) / kTemperaturePerDegree);
+  d.TotalAirTemp = CLng(m.I16(0x11D0) / kTemperaturePerDegree);
+  d.Eng1CowlFlaps = m.F64(0x37F0);
+  d.Eng2CowlFlaps = m.F64(0x3730);
 }
 
 void DecodeNames(const OffsetBlock& m, FSData& d) {
@@ -504,6 +521,7 @@ DecodeResult ProcessFSData(LinkState& link, const DecodeInputs& in) {
   if (d.OnGround != 0) DecodeGroundTraffic(traffic, link);
   DecodeGauges(b.main, d, in);
   DecodeSwitchStates(b.main, d);
+  DecodeProcedureValues(b.main, d);
   SumFuel(b.main, link);
   StampChanges(link, in);
   DecodeEngineFires(b.main, d);

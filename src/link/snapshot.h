@@ -34,10 +34,10 @@ struct TrafficSlot {
   int32_t Id = 0;  // low byte of the simulator's identifier
   double Latitude = 0;
   double Longitude = 0;
-  double Altitude = 0;          // feet, ground table only
+  double Altitude = 0;          // feet
   int32_t RelativeHeading = 0;  // CLng(raw / 182) - MagVar, 360 added if negative
   int32_t GS = 0;               // knots
-  int32_t VS = 0;               // ground table only
+  int32_t VS = 0;               // feet per minute
   std::string Ident;
   int32_t State = 0;
 };

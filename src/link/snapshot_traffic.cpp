@@ -32,7 +32,9 @@ int32_t SlotsInUse(const OffsetBlock& traffic, uint32_t table) {
   return std::clamp(count, 0, kTrafficSlots);
 }
 
-// The fields both tables share.
+// The fields of a target. The altitude and vertical speed of the airborne
+// targets are read too: the traffic calls say whether a target is high or
+// low and whether it climbs or descends.
 void DecodeSlot(const OffsetBlock& traffic, uint32_t at, int32_t magVar, TrafficSlot& slot) {
   slot.Id = traffic.U8(at + kSlotId);
   slot.Latitude = traffic.F32(at + kSlotLatitude);
@@ -41,6 +43,8 @@ void DecodeSlot(const OffsetBlock& traffic, uint32_t at, int32_t magVar, Traffic
   if (heading < 0) heading += 360;
   slot.RelativeHeading = heading;
   slot.GS = traffic.U16(at + kSlotGroundSpeed);
+  slot.Altitude = traffic.F32(at + kSlotAltitude);
+  slot.VS = traffic.I16(at + kSlotVerticalSpeed);
   slot.Ident.assign(traffic.Text(at + kSlotCallSign));
   slot.State = traffic.U8(at + kSlotState);
 }
@@ -61,13 +65,8 @@ void DecodeAirTraffic(const OffsetBlock& traffic, LinkState& link) {
 void DecodeGroundTraffic(const OffsetBlock& traffic, LinkState& link) {
   const int32_t magVar = link.Now().MagVar;
   link.GroundTrafficCount = SlotsInUse(traffic, kGroundTrafficTable);
-  for (int n = 1; n <= kTrafficSlots; ++n) {
-    const uint32_t at = SlotOffset(kGroundTrafficTable, n);
-    TrafficSlot& slot = link.GroundTraffic[n];
-    DecodeSlot(traffic, at, magVar, slot);
-    slot.Altitude = traffic.F32(at + kSlotAltitude);
-    slot.VS = traffic.I16(at + kSlotVerticalSpeed);
-  }
+  for (int n = 1; n <= kTrafficSlots; ++n)
+    DecodeSlot(traffic, SlotOffset(kGroundTrafficTable, n), magVar, link.GroundTraffic[n]);
 }
 
 }  // namespace vantoro

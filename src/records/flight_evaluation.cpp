@@ -1,5 +1,7 @@
 #include "records/flight_evaluation.h"
 
+#include <array>
+
 #include "base/numbers.h"
 #include "records/markup.h"
 
@@ -17,28 +19,244 @@ constexpr ClassBand kClassBands[] = {{20, 7},   {50, 15},   {100, 24}, {250, 30}
 constexpr double kHeaviestClassBase = 60;
 constexpr double kStallAllowanceDivisor = 20;
 constexpr double kSecondsPerDurationPoint = 1000;
-constexpr int32_t kTrimTicksPerProblem = 10;
 
-// The lists as the items build them, line by line, and the score so far.
-struct Items {
-  double score = 0;
-  std::string good;
-  std::string bad;
-  std::vector<std::string>& sounds;
+using F = FlightStats;
 
-  // A scored item: with its counter above 0 the bad line (after its sound),
-  // otherwise the good line and the points. An empty line is none.
-  void Score(int32_t counter, const char* sound, const std::string& badLine,
-             const std::string& goodLine, double points) {
-    if (counter > 0) {
-      if (sound != nullptr) sounds.emplace_back(sound);
-      if (!badLine.empty()) bad += badLine + std::string(kLineBreak);
-      return;
-    }
-    if (!goodLine.empty()) good += goodLine + std::string(kLineBreak);
-    score += points;
-  }
+// When an item's good line is said: a pilot is not praised for flaps the
+// aircraft does not have, or for a take-off he did not make.
+enum class Praise { Always, HasFlaps, RetractableGear, TookOff, Never };
+
+// One scored item of the flight report: the counters it sums, the sound and
+// the line when any of them is above 0, else the good line and the points.
+// A sound or a line may be empty: then none is given.
+struct ScoredItem {
+  std::array<FlightCounter, 2> counters;
+  const char* sound;
+  const char* badLine;
+  const char* goodLine;
+  Praise praise;
+  double points;
+  const char* floatPlaneBadLine = nullptr;  // the float plane's own wording
 };
+
+// The items in the order the report lists them.
+const ScoredItem kScoredItems[] = {
+    {{&F::ExceedBankChange},
+     "RoughTurns.wav",
+     "* Rough turns - your passengers spilt their drinks and have a pain in their necks.",
+     "* Smooth turns.",
+     Praise::Always,
+     2},
+    {{&F::ExceedBankLeft, &F::ExceedBankRight},
+     "ExcessiveBanking.wav",
+     "* Steep banking - save your aerobatic flying for some other time.",
+     "* Nice banking.",
+     Praise::Always,
+     2},
+    {{&F::ExceedFlaps},
+     "ExceedingFlapSpeeds.wav",
+     "* Exceeding flap speeds - your flaps may be damaged: have them checked.",
+     "* Correct matching of flaps to speeds.",
+     Praise::HasFlaps,
+     5},
+    {{&F::ExceedGearDown},
+     "ExceedGearDown.wav",
+     "* Exceeding gear speed - your landing gear may be damaged: have it checked.",
+     "* Gear deployment at safe speed.",
+     Praise::RetractableGear,
+     5},
+    {{&F::ExceedGsNegative, &F::ExceedGsPositive},
+     "ExceedGsNegative.wav",
+     "* Sickening G forces - your passengers feel rather unwell.",
+     "* Comfortable G forces.",
+     Praise::Always,
+     3},
+    {{&F::ExceedPitchChange},
+     "ExceedPitchChange.wav",
+     "* Rough pitch control - that flight felt like a rollercoaster.",
+     "* Smooth pitch control.",
+     Praise::Always,
+     2},
+    {{&F::ExceedVNE},
+     "ExceedVNE.wav",
+     "* Dangerous speed - you may have damaged the aircraft.",
+     "* Flown within aircraft's maximum speed limit.",
+     Praise::Always,
+     3},
+    {{&F::RoughTurnsOnGround},
+     nullptr,
+     "* Dangerous taxiing turns - these cause discomfort and stress.",
+     "* Gentle taxi turns.",
+     Praise::Always,
+     3},
+    {{&F::BrakeDuringTakeOff},
+     nullptr,
+     "* Braking during takeoff - watch those feet.",
+     nullptr,
+     Praise::Never,
+     3},
+    {{&F::PoorTakeOffSteering},
+     nullptr,
+     "* Poor steering during takeoff - stay in the centre of the runway.",
+     "* Good take off steering.",
+     Praise::TookOff,
+     3,
+     "* Poor steering during takeoff - maintain a constant heading."},
+    {{&F::LateRotation},
+     nullptr,
+     "* Late rotation - when Vr is reached - take off.",
+     "* Rotation was not late.",
+     Praise::TookOff,
+     3},
+    // Flaps left down while taxiing cost points without a word.
+    {{&F::FlapsNotUpDuringTaxi}, nullptr, nullptr, nullptr, Praise::Never, 3},
+    {{&F::NotTaxiInWindWithElevatorDown, &F::NotTaxiInWindWithElevatorUp},
+     nullptr,
+     "* Poor elevator control during taxi in wind - danger of flipping.",
+     nullptr,
+     Praise::Never,
+     3},
+    {{&F::NotTaxiInWindWithLeftAileronUp, &F::NotTaxiInWindWithRightAileronUp},
+     nullptr,
+     "* Poor aileron control during taxi in wind - danger of flipping.",
+     nullptr,
+     Praise::Never,
+     3},
+    {{&F::TaxiTooFast},
+     nullptr,
+     "* Poor attention to taxi speed - dangerous to yourself and others.",
+     "* Safe taxi speed.",
+     Praise::Always,
+     3},
+    {{&F::TaxiWithThrottleAndBrakes},
+     nullptr,
+     "* Throttle and brakes during taxi - bad for many systems.",
+     nullptr,
+     Praise::Never,
+     3},
+    {{&F::RideBrakes},
+     nullptr,
+     "* Harsh braking - taxi gently and brake smoothly.",
+     "* Smooth braking during taxi.",
+     Praise::Always,
+     3},
+    {{&F::TakeOffDescent},
+     nullptr,
+     "* Loss of altitude during takeoff - climb smoothly.",
+     "* Smooth climb during takeoff.",
+     Praise::TookOff,
+     3},
+    {{&F::NotLevelWings},
+     nullptr,
+     "* Wings not level near ground - danger of clipping a wing.",
+     "* Wings level near ground.",
+     Praise::Always,
+     3},
+    {{&F::NotRudderToCoordinateTurns},
+     nullptr,
+     "* Poorly coordinated turns - use your rudder correctly.",
+     "* Well coordinated turns.",
+     Praise::Always,
+     3},
+    {{&F::ExceedStall},
+     "ExceedStall.wav",
+     "* Dangerous stalls - don't let that happen again.",
+     "* No stalls.",
+     Praise::Always,
+     6},
+    // After a stall, flying close to it is not mentioned: its points are
+    // lost too (see EvaluateFlight).
+    {{&F::NearStall},
+     nullptr,
+     "* Airspeed too low - you are risking stalls.",
+     "* No flying dangerously close to stall speed.",
+     Praise::Always,
+     5},
+    {{&F::DescentTooFast},
+     nullptr,
+     "* Rapid descent - dangerous and uncomfortable.",
+     "* Smooth comfortable descent rate.",
+     Praise::Always,
+     3},
+    {{&F::LowerTheNoseTailStrike},
+     nullptr,
+     "* Narrowly missed tail strike - watch your pitch: this could have been bad.",
+     nullptr,
+     Praise::Never,
+     3},
+    {{&F::LowerTheNose},
+     nullptr,
+     "* Nose held too high - spilt drinks and worried expressions.",
+     "* Pitch not too high.",
+     Praise::Always,
+     2},
+    {{&F::RaiseTheNose},
+     nullptr,
+     "* Nose held too low - we're not in combat.",
+     "* Pitch not too low.",
+     Praise::Always,
+     3},
+    {{&F::NotFlapsForLanding},
+     nullptr,
+     "* Flaps not down on time - plan your landing next time.",
+     "* Flaps down on time.",
+     Praise::HasFlaps,
+     2},
+    {{&F::TooFastToLand},
+     nullptr,
+     "* Excessive speed during approach - reduce speed earlier.",
+     "* Approach speed not too fast.",
+     Praise::Always,
+     3},
+    {{&F::TooFastLowNotLanding},
+     nullptr,
+     "* Excessive speed at low altitude - several complaints have been filed.",
+     "* Low altitude speeds not too fast.",
+     Praise::Always,
+     3},
+    {{&F::FlewTooLowOverObstacle},
+     nullptr,
+     "* Narrowly missed obstacles - plan your safety altitudes.",
+     "* Good clearance of obstacles.",
+     Praise::Always,
+     3},
+    // Trimming counts ticks; each tenth is one fault, as in the pilot errors.
+    {{&F::NotUseTrimmers},
+     nullptr,
+     "* Poorly trimmed aircraft - trimmers are there to help: use them.",
+     nullptr,
+     Praise::Never,
+     3},
+};
+
+// The faults an item's counters hold, by their shares in the pilot errors.
+int32_t Faults(const FlightStats& f, const ScoredItem& item) {
+  int32_t faults = 0;
+  for (FlightCounter c : item.counters) {
+    if (c == nullptr) continue;
+    int32_t share = 1;
+    for (const CounterColumn& column : CounterColumns())
+      if (column.field == c && column.errorShare > 1) share = column.errorShare;
+    faults += f.*c / share;
+  }
+  return faults;
+}
+
+bool Praised(Praise praise, const FlightStats& f, const FlightEvaluationInputs& in) {
+  switch (praise) {
+    case Praise::Always:
+      return true;
+    case Praise::HasFlaps:
+      return in.HasFlaps;
+    case Praise::RetractableGear:
+      return in.RetractableGear;
+    case Praise::TookOff:
+      return f.TookOff;
+    case Praise::Never:
+      break;
+  }
+  return false;
+}
 
 std::string Worded(const std::string& list, const char* heading, const char* tail,
                    const char* none) {
@@ -68,88 +286,23 @@ FlightEvaluation EvaluateFlight(const FlightStats& f, const FlightEvaluationInpu
   e.Problems = FlightPPScore(f);
   e.Sounds.emplace_back(e.Problems <= 0 ? "GoodFlight.wav" : "YouNeedToImprove.wav");
 
-  Items it{0, {}, {}, e.Sounds};
-  const auto when = [](bool holds, const char* line) { return holds ? line : ""; };
-
-  it.Score(f.ExceedBankChange, "RoughTurns.wav",
-           "* Rough turns - your passengers spilt their drinks and have a pain in their necks.",
-           "* Smooth turns.", 2);
-  it.Score(f.ExceedBankLeft + f.ExceedBankRight, "ExcessiveBanking.wav",
-           "* Steep banking - save your aerobatic flying for some other time.", "* Nice banking.",
-           2);
-  it.Score(f.ExceedFlaps, "ExceedingFlapSpeeds.wav",
-           "* Exceeding flap speeds - your flaps may be damaged: have them checked.",
-           when(in.HasFlaps, "* Correct matching of flaps to speeds."), 5);
-  it.Score(f.ExceedGearDown, "ExceedGearDown.wav",
-           "* Exceeding gear speed - your landing gear may be damaged: have it checked.",
-           when(in.RetractableGear, "* Gear deployment at safe speed."), 5);
-  it.Score(f.ExceedGsNegative + f.ExceedGsPositive, "ExceedGsNegative.wav",
-           "* Sickening G forces - your passengers feel rather unwell.", "* Comfortable G forces.",
-           3);
-  it.Score(f.ExceedPitchChange, "ExceedPitchChange.wav",
-           "* Rough pitch control - that flight felt like a rollercoaster.",
-           "* Smooth pitch control.", 2);
-  it.Score(f.ExceedVNE, "ExceedVNE.wav", "* Dangerous speed - you may have damaged the aircraft.",
-           "* Flown within aircraft's maximum speed limit.", 3);
-  it.Score(f.RoughTurnsOnGround, nullptr,
-           "* Dangerous taxiing turns - these cause discomfort and stress.", "* Gentle taxi turns.",
-           3);
-  it.Score(f.BrakeDuringTakeOff, nullptr, "* Braking during takeoff - watch those feet.", "", 3);
-  it.Score(f.PoorTakeOffSteering, nullptr,
-           in.FloatPlane ? "* Poor steering during takeoff - maintain a constant heading."
-                         : "* Poor steering during takeoff - stay in the centre of the runway.",
-           when(f.TookOff, "* Good take off steering."), 3);
-  it.Score(f.LateRotation, nullptr, "* Late rotation - when Vr is reached - take off.",
-           when(f.TookOff, "* Rotation was not late."), 3);
-  // Flaps left down while taxiing cost points without a word.
-  it.Score(f.FlapsNotUpDuringTaxi, nullptr, "", "", 3);
-  it.Score(f.NotTaxiInWindWithElevatorDown + f.NotTaxiInWindWithElevatorUp, nullptr,
-           "* Poor elevator control during taxi in wind - danger of flipping.", "", 3);
-  it.Score(f.NotTaxiInWindWithLeftAileronUp + f.NotTaxiInWindWithRightAileronUp, nullptr,
-           "* Poor aileron control during taxi in wind - danger of flipping.", "", 3);
-  it.Score(f.TaxiTooFast, nullptr,
-           "* Poor attention to taxi speed - dangerous to yourself and others.",
-           "* Safe taxi speed.", 3);
-  it.Score(f.TaxiWithThrottleAndBrakes, nullptr,
-           "* Throttle and brakes during taxi - bad for many systems.", "", 3);
-  it.Score(f.RideBrakes, nullptr, "* Harsh braking - taxi gently and brake smoothly.",
-           "* Smooth braking during taxi.", 3);
-  it.Score(f.TakeOffDescent, nullptr, "* Loss of altitude during takeoff - climb smoothly.",
-           when(f.TookOff, "* Smooth climb during takeoff."), 3);
-  it.Score(f.NotLevelWings, nullptr, "* Wings not level near ground - danger of clipping a wing.",
-           "* Wings level near ground.", 3);
-  it.Score(f.NotRudderToCoordinateTurns, nullptr,
-           "* Poorly coordinated turns - use your rudder correctly.", "* Well coordinated turns.",
-           3);
-  it.Score(f.ExceedStall, "ExceedStall.wav", "* Dangerous stalls - don't let that happen again.",
-           "* No stalls.", 6);
-  // After a stall, flying close to it is not mentioned: its points are lost too.
-  if (f.ExceedStall <= 0) {
-    it.Score(f.NearStall, nullptr, "* Airspeed too low - you are risking stalls.",
-             "* No flying dangerously close to stall speed.", 5);
+  double itemScore = 0;
+  std::string good, bad;
+  for (const ScoredItem& item : kScoredItems) {
+    if (item.counters[0] == &F::NearStall && f.ExceedStall > 0) continue;
+    if (Faults(f, item) > 0) {
+      if (item.sound != nullptr) e.Sounds.emplace_back(item.sound);
+      const char* line = in.FloatPlane && item.floatPlaneBadLine != nullptr ? item.floatPlaneBadLine
+                                                                            : item.badLine;
+      if (line != nullptr) bad += line + std::string(kLineBreak);
+      continue;
+    }
+    if (item.goodLine != nullptr && Praised(item.praise, f, in))
+      good += item.goodLine + std::string(kLineBreak);
+    itemScore += item.points;
   }
-  it.Score(f.DescentTooFast, nullptr, "* Rapid descent - dangerous and uncomfortable.",
-           "* Smooth comfortable descent rate.", 3);
-  it.Score(f.LowerTheNoseTailStrike, nullptr,
-           "* Narrowly missed tail strike - watch your pitch: this could have been bad.", "", 3);
-  it.Score(f.LowerTheNose, nullptr, "* Nose held too high - spilt drinks and worried expressions.",
-           "* Pitch not too high.", 2);
-  it.Score(f.RaiseTheNose, nullptr, "* Nose held too low - we're not in combat.",
-           "* Pitch not too low.", 3);
-  it.Score(f.NotFlapsForLanding, nullptr, "* Flaps not down on time - plan your landing next time.",
-           when(in.HasFlaps, "* Flaps down on time."), 2);
-  it.Score(f.TooFastToLand, nullptr, "* Excessive speed during approach - reduce speed earlier.",
-           "* Approach speed not too fast.", 3);
-  it.Score(f.TooFastLowNotLanding, nullptr,
-           "* Excessive speed at low altitude - several complaints have been filed.",
-           "* Low altitude speeds not too fast.", 3);
-  it.Score(f.FlewTooLowOverObstacle, nullptr,
-           "* Narrowly missed obstacles - plan your safety altitudes.",
-           "* Good clearance of obstacles.", 3);
-  it.Score(static_cast<int32_t>(Int(f.NotUseTrimmers / static_cast<double>(kTrimTicksPerProblem))),
-           nullptr, "* Poorly trimmed aircraft - trimmers are there to help: use them.", "", 3);
 
-  double score = it.score;
+  double score = itemScore;
   if (e.Problems > 0) {
     e.Sounds.emplace_back("ProblemsYouNeedToWorkOn.wav");
   } else if (f.TookOff) {
@@ -170,10 +323,9 @@ FlightEvaluation EvaluateFlight(const FlightStats& f, const FlightEvaluationInpu
   e.Score = score;
 
   e.BadList =
-      Worded(it.bad, "Flight included the following problems:", "Definite room for improvement...",
+      Worded(bad, "Flight included the following problems:", "Definite room for improvement...",
              "A smooth flight!");
-  e.GoodList =
-      Worded(it.good, "Flight commended in the following areas:", "   ", "An awful flight.");
+  e.GoodList = Worded(good, "Flight commended in the following areas:", "   ", "An awful flight.");
   std::string notes;
   if (f.AutoPilotTicks >= kAutoPilotScoreTicks) notes = "Autopilot used." + std::string(kLineBreak);
   if (f.AbnormalSimRateTicks >= kSimRateScoreTicks)

@@ -85,6 +85,13 @@ struct FlightStats {
   int32_t CircuitDurationBase = 0;
   int32_t CircuitDurationFinal = 0;
 
+  // The run-up of the piston engines: each engine's magneto check ended
+  // at run-up power, then all of them. RunUpStarted: a magneto check has
+  // begun, or the after-start list was read, so the run-up comes next.
+  std::array<bool, 4> RunUpEngine{};
+  bool RunUpDone = false;
+  bool RunUpStarted = false;
+
   // Results.
   bool FlightCrashed = false;
   bool TookOff = false;

@@ -6,6 +6,7 @@
 
 #include "base/numbers.h"
 #include "base/text.h"
+#include "records/circuit_score.h"
 #include "records/crash_report.h"
 #include "records/markup.h"
 #include "voice/phrases.h"
@@ -516,7 +517,9 @@ LandingVerdict LandingComputeAndSpeak(const LandingContext& in, FlightStats& fli
   Sheet sheet{v, scores.LandingScore, scores.LandingGoodList, scores.LandingBadList};
   ScoredItems(sheet, in, flight);
   BonusesAndCaps(sheet, in, flight);
-  // The circuit score is built here (circuit training).
+  BuildCircuitScore(CircuitInputs{second, in.CircuitMode, in.CircuitReferenceLatitude,
+                                  in.CircuitReferenceLongitude},
+                    flight, scores);
   if (scores.LandingScore < 0 && !flight.FlightCrashed) scores.LandingScore = kNegativeBecomes;
 
   // Step 6: the wording of the lists and the summary.
@@ -562,7 +565,7 @@ LandingVerdict LandingComputeAndSpeak(const LandingContext& in, FlightStats& fli
   report += "[SCORE]Landing Score:" + FormatFixed(scores.LandingScore, 2) + "[/SCORE]" + lb +
             scores.LandingSummary + lb + scores.LandingGoodList + lb + scores.LandingBadList;
   scores.LandingSummary = report;
-  // The circuit text is completed here (circuit training).
+  CompleteCircuitText(flight, scores);
 
   // Step 9: a touchdown that ended upside down or on its nose is a crash.
   const FSData& now = in.Now;

@@ -36,6 +36,9 @@ struct LandingContext {
   std::string_view VisualAirport;
   std::string_view VisualRunway;
   bool CircuitMode = false;
+  // Where circuit training began: the circuit's landing is judged against it.
+  double CircuitReferenceLatitude = 0;
+  double CircuitReferenceLongitude = 0;
   WallTime Ended;  // the computer's clock, for the report's heading
 };
 

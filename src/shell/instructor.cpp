@@ -1,6 +1,7 @@
 #include "shell/instructor.h"
 
 #include "base/files.h"
+#include "engine/voice_actions.h"
 
 namespace vantoro {
 
@@ -9,6 +10,7 @@ Instructor::Instructor(std::string rootFolder, Seams seams)
   if (seams_.events == nullptr) seams_.events = &noEvents_;
   sound.SoundRoot = root;
   InitSound(sound);
+  InitHotkeysQWE(flight);
 }
 
 Cockpit Instructor::cockpit() {
@@ -50,6 +52,11 @@ void Instructor::Disconnect() {
 
 void Instructor::PressHotKey(int slot) {
   flight.VoiceAction = slot;
+}
+
+void Instructor::HearPhrase(std::string_view phrase) {
+  Cockpit c = cockpit();
+  vantoro::HearPhrase(c, phrase);
 }
 
 void Instructor::Tick() {

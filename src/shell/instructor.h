@@ -5,6 +5,7 @@
 
 #include <array>
 #include <string>
+#include <string_view>
 
 #include "engine/polling.h"
 #include "shell/pilot.h"
@@ -32,6 +33,8 @@ class Instructor {
   // The pilot presses hot key `slot` (1..15), or asks for it by voice: it
   // acts in the next tick.
   void PressHotKey(int slot);
+  // The recogniser heard a phrase: it acts in the next tick.
+  void HearPhrase(std::string_view phrase);
   // One polling tick (500 ms).
   void Tick();
   // One step of the sound timer (125 ms) on both channels.

@@ -51,7 +51,7 @@ const std::array<PilotField, 31> kPilotFields = {{
     {"auto tune setup", "AutoTuneVOR", R::Box, &P::AutoTuneVOR},
 }};
 
-const std::array<SettingsField, 18> kSettingsFields = {{
+const std::array<SettingsField, 19> kSettingsFields = {{
     {"FS Folders", "P3D", R::Folder, &S::FSXFolder, 0, 0, FieldBuild::P3D},
     {"FS Folders", "FS2002", R::Folder, &S::FS2002Folder, 0, 0, FieldBuild::FS},
     {"FS Folders", "FS2004", R::Folder, &S::FS2004Folder, 0, 0, FieldBuild::FS},
@@ -67,6 +67,8 @@ const std::array<SettingsField, 18> kSettingsFields = {{
     {"Misc", "AviationTips", R::NumericBox, &S::AviationTips},
     {"Misc", "InstantHelp", R::NumericBox, &S::InstantHelp},
     {"Misc", "TaxiwayTips", R::NumericBox, &S::TaxiwayTips},
+    {"Misc", "ReminderInterval", R::Number, &S::ReminderInterval, kShortestReminderInterval,
+     kLongestReminderInterval},
     {"Voice", "Mode", R::ListIndex, &S::VoiceMode, 0, static_cast<int32_t>(kVoiceModes.size()) - 1},
     {"Simulator", "Link", R::Text, &S::Simulator, 0, 0, FieldBuild::WhenSet},
     {"Simulator", "Host", R::Text, &S::SimulatorHost, 0, 0, FieldBuild::WhenSet},
@@ -100,18 +102,40 @@ std::string Compose(std::span<const OptionField<Record>> fields, const Record& r
   return out;
 }
 
+// Says what was passed over in a value the row could not take as it stands.
+class FieldNotes {
+ public:
+  FieldNotes(Notices* notices, std::string_view file) : notices_(notices), file_(file) {}
+  void Note(const INIEntry& entry, std::string_view key, std::string_view what) const {
+    if (notices_ == nullptr) return;
+    notices_->push_back(Notice{std::string(file_), entry.Line,
+                               std::string(key) + "=" + entry.Value + " " + std::string(what)});
+  }
+
+ private:
+  Notices* notices_;
+  std::string_view file_;
+};
+
 template <class Record>
 void Read(std::span<const OptionField<Record>> fields, const std::vector<INIEntry>& entries,
-          Record& record) {
+          Record& record, const FieldNotes& notes) {
   for (const OptionField<Record>& f : fields) {
     if (!Present(f, record)) continue;
-    const std::string value = GetValueFromINI(entries, f.section, f.key).Value;
+    const INIEntry entry = GetValueFromINI(entries, f.section, f.key);
+    const std::string& value = entry.Value;
+    // A key written with nothing after the "=" is an empty choice, not damage.
+    const bool written = entry.Line > 0 && !value.empty();
     const std::optional<double> number = INIValueNumber(value);
     std::visit(
         [&](auto member) {
           auto& field = record.*member;
           using T = std::decay_t<decltype(field)>;
           if constexpr (std::is_same_v<T, bool>) {
+            if (f.rule == R::Box && written && value != "0" && value != "1")
+              notes.Note(entry, f.key, "is neither 0 nor 1; taken as 0");
+            else if (f.rule != R::Box && written && !number)
+              notes.Note(entry, f.key, "is not a number; left as it was");
             switch (f.rule) {
               case R::SetOnlyBox:
                 if (WholeNumber(value) == 1) field = true;
@@ -124,20 +148,39 @@ void Read(std::span<const OptionField<Record>> fields, const std::vector<INIEntr
             }
           } else if constexpr (std::is_same_v<T, int32_t>) {
             if (f.rule == R::Number) {
-              if (number) field = std::clamp(CLng(*number), f.low, f.high);
+              if (number) {
+                const int32_t taken = std::clamp(CLng(*number), f.low, f.high);
+                if (written && (*number < f.low || *number > f.high))
+                  notes.Note(entry, f.key,
+                             "is out of range (" + std::to_string(f.low) + " to " +
+                                 std::to_string(f.high) + "); " + std::to_string(taken) + " used");
+                field = taken;
+              } else if (written) {
+                notes.Note(entry, f.key, "is not a number; " + std::to_string(field) + " kept");
+              }
               return;
             }
             if (f.rule == R::ListIndex && !number) {
+              if (written) notes.Note(entry, f.key, "is not a number; 0 used");
               field = 0;
               return;
             }
-            if (const auto whole = WholeNumber(value); whole && *whole >= f.low && *whole <= f.high)
+            const auto whole = WholeNumber(value);
+            if (whole && *whole >= f.low && *whole <= f.high) {
               field = *whole;
+            } else if (written && (!whole || f.rule == R::ListIndex)) {
+              // A choice's 0 and the like leave the default on purpose.
+              notes.Note(entry, f.key,
+                         "is not one of " + std::to_string(f.low) + " to " +
+                             std::to_string(f.high) + "; " + std::to_string(field) + " kept");
+            }
           } else {
             if (f.rule == R::Folder) {
               field = FolderValue(value);
             } else if (f.rule != R::NumberText || number) {
               field = value;
+            } else if (written) {
+              notes.Note(entry, f.key, "is not a number; ignored");
             }
           }
         },
@@ -184,13 +227,13 @@ std::string ComposeFields(std::span<const SettingsField> fields, const Settings&
 }
 
 void ReadFields(std::span<const PilotField> fields, const std::vector<INIEntry>& entries,
-                PilotRecord& record) {
-  Read(fields, entries, record);
+                PilotRecord& record, Notices* notices, std::string_view file) {
+  Read(fields, entries, record, FieldNotes(notices, file));
 }
 
 void ReadFields(std::span<const SettingsField> fields, const std::vector<INIEntry>& entries,
-                Settings& record) {
-  Read(fields, entries, record);
+                Settings& record, Notices* notices, std::string_view file) {
+  Read(fields, entries, record, FieldNotes(notices, file));
 }
 
 std::string FolderValue(std::string_view value) {

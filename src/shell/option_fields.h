@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "base/ini.h"
+#include "base/notices.h"
 #include "shell/pilot.h"
 #include "shell/settings.h"
 
@@ -69,11 +70,13 @@ std::string FieldValue(const OptionField<Record>& field, const Record& record);
 // blank line between sections.
 std::string ComposeFields(std::span<const PilotField> fields, const PilotRecord& record);
 std::string ComposeFields(std::span<const SettingsField> fields, const Settings& record);
-// Takes each row's key from the parsed file by the row's rule.
+// Takes each row's key from the parsed file by the row's rule. A value the
+// row cannot take as written (not a number, out of its range, a box that is
+// neither 0 nor 1) adds a notice naming `file`, the line and what was used.
 void ReadFields(std::span<const PilotField> fields, const std::vector<INIEntry>& entries,
-                PilotRecord& record);
+                PilotRecord& record, Notices* notices = nullptr, std::string_view file = {});
 void ReadFields(std::span<const SettingsField> fields, const std::vector<INIEntry>& entries,
-                Settings& record);
+                Settings& record, Notices* notices = nullptr, std::string_view file = {});
 
 // A folder box's value: trimmed, and ending in "\" unless empty.
 std::string FolderValue(std::string_view value);

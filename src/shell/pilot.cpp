@@ -15,8 +15,9 @@ std::string ComposePilotFile(const PilotRecord& r) {
   return ComposeFields(PilotFields(), r);
 }
 
-void ReadPilotEntries(const std::vector<INIEntry>& entries, PilotRecord& r) {
-  ReadFields(PilotFields(), entries, r);
+void ReadPilotEntries(const std::vector<INIEntry>& entries, PilotRecord& r, Notices* notices,
+                      std::string_view file) {
+  ReadFields(PilotFields(), entries, r, notices, file);
   // Older files kept the auto-detect keys with the sound; a key of the newer
   // section, when there, has the last word.
   for (auto [key, field] : {std::pair{"AutoDetectModeCruise", &r.AutoDetectModeCruise},
@@ -43,11 +44,12 @@ void RefreshPilotData(PilotTab& tab, SoundState& sound, EngineOptions& o) {
 }
 
 std::string LoadPilotData(std::string_view file, PilotTab& tab, SoundState& sound,
-                          EngineOptions& options) {
+                          EngineOptions& options, Notices* notices) {
   const std::optional<std::string> text = TryReadFile(file);
   if (!text) return std::string(file) + ": the pilot file cannot be read";
   PilotRecord r = tab.Record;
-  ReadPilotEntries(ParseINIText(*text, true), r);
+  ReadPilotEntries(ParseINIText(*text, true), r, notices, file);
+  if (notices != nullptr) NoteLinesPassedOver(file, *text, true, *notices);
   FindAndSetInstructor(sound, r.Instructor);
   r.Instructor = sound.Instructor;
   tab.Record = r;

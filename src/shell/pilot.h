@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "base/ini.h"
+#include "base/notices.h"
 #include "base/registry.h"
 #include "engine/options.h"
 #include "shell/settings.h"
@@ -62,7 +63,9 @@ std::string ComposePilotFile(const PilotRecord& r);
 // anything else, a missing key included. The auto-detect keys of older files
 // under [sound setup] are read first; those under [auto detect setup] win.
 // The slider and the pause gap keep their values unless the file has a number.
-void ReadPilotEntries(const std::vector<INIEntry>& entries, PilotRecord& r);
+// Values it cannot take as written become notices naming `file` and the line.
+void ReadPilotEntries(const std::vector<INIEntry>& entries, PilotRecord& r,
+                      Notices* notices = nullptr, std::string_view file = {});
 
 // Copies the page into what the tick and the sound queue read, and sets
 // Unsaved when the page differs from its file.
@@ -72,7 +75,7 @@ void RefreshPilotData(PilotTab& tab, SoundState& sound, EngineOptions& options);
 // installed, else the selection stays. Returns "" or what went wrong, naming
 // the file; a failed load changes nothing.
 std::string LoadPilotData(std::string_view file, PilotTab& tab, SoundState& sound,
-                          EngineOptions& options);
+                          EngineOptions& options, Notices* notices = nullptr);
 // Writes the current pilot file. Returns "" or what went wrong.
 std::string SavePilotData(PilotTab& tab, const SoundState& sound);
 

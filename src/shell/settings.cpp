@@ -47,8 +47,9 @@ std::string ComposeSettings(const Settings& s) {
   return ComposeFields(SettingsFields(), s);
 }
 
-void ReadSettings(const std::vector<INIEntry>& entries, Settings& s) {
-  ReadFields(SettingsFields(), entries, s);
+void ReadSettings(const std::vector<INIEntry>& entries, Settings& s, Notices* notices,
+                  std::string_view file) {
+  ReadFields(SettingsFields(), entries, s, notices, file);
 }
 
 SettingsLoad LoadSettingsTab(std::string_view root, const Registry& registry, Settings& s) {
@@ -57,12 +58,15 @@ SettingsLoad LoadSettingsTab(std::string_view root, const Registry& registry, Se
   // read must not be replaced by the registry's folders.
   if (!FindNoCase(path)) {
     GetFSRegistryValues(registry, s);
-    return {true, {}, TidyFolder(root) + kSamplePilot};
+    return {true, {}, TidyFolder(root) + kSamplePilot, {}};
   }
   const std::optional<std::string> text = TryReadFile(path);
-  if (!text) return {false, path + ": the settings file cannot be read", {}};
-  ReadSettings(ParseINIText(*text, true), s);
-  return {true, {}, s.PilotFile};
+  if (!text) return {false, path + ": the settings file cannot be read", {}, {}};
+  SettingsLoad loaded;
+  ReadSettings(ParseINIText(*text, true), s, &loaded.notices, path);
+  NoteLinesPassedOver(path, *text, true, loaded.notices);
+  loaded.pilotFile = s.PilotFile;
+  return loaded;
 }
 
 bool SaveSettingsTab(std::string_view root, const Settings& s) {
@@ -85,6 +89,7 @@ void ApplySettings(const Settings& s, EngineOptions& o) {
   o.SpokenTipsSwitches = s.InstantHelp;
   o.TaxiwayTips = s.TaxiwayTips;
   o.VoiceMode = s.VoiceMode;
+  o.ReminderInterval = s.ReminderInterval;
 }
 
 }  // namespace vantoro

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "base/ini.h"
+#include "base/notices.h"
 #include "base/registry.h"
 #include "engine/options.h"
 
@@ -49,6 +50,9 @@ struct Settings {
   bool InstantHelp = true;
   bool TaxiwayTips = true;
   int VoiceMode = 0;  // 0, 1 or 2: kVoiceModes
+  // How persistently the autopilot-mode and flaps-up reminders of the
+  // aircraft procedures repeat (EngineOptions::ReminderInterval).
+  int32_t ReminderInterval = kDefaultReminderInterval;
   // The simulator link ("fsuipc", "flightgear", "xplane"; empty for the
   // platform's own) and where the simulator runs (empty: this machine, its
   // usual port). Written only when chosen.
@@ -82,12 +86,15 @@ std::string ComposeSettings(const Settings& s);
 // Takes the keys of a parsed settings file into `s`, each by its rule: a
 // folder is tidied, a number is honoured only where its rule says, and a key
 // that is not honoured leaves its box as it is.
-void ReadSettings(const std::vector<INIEntry>& entries, Settings& s);
+// Values it cannot take as written become notices naming `file` and the line.
+void ReadSettings(const std::vector<INIEntry>& entries, Settings& s, Notices* notices = nullptr,
+                  std::string_view file = {});
 
 struct SettingsLoad {
   bool ok = true;
   std::string error;      // what went wrong, naming the file
   std::string pilotFile;  // the pilot to load next, "" for none
+  Notices notices;        // values passed over in a file that was read
 };
 
 // Start-up: reads the settings file into `s`. Without one, the folders come

@@ -63,6 +63,7 @@ void Startup::Run(std::string_view pilotFile, std::string_view logFolder) {
 std::string Startup::OpenSettings() {
   const SettingsLoad loaded = LoadSettingsTab(in_.root, registry_, in_.settings);
   if (!loaded.ok) Note(SettingsPath(in_.root), "the settings file cannot be read; defaults used");
+  notices_.insert(notices_.end(), loaded.notices.begin(), loaded.notices.end());
   ApplySettings(in_.settings, in_.options);
   lastPilot_ = ResolvePilotFile(in_.root, loaded.pilotFile);
   return lastPilot_;
@@ -75,7 +76,7 @@ void Startup::OpenCaptions() {
     in_.sound.CaptionTable.clear();
     return;
   }
-  LoadCaptions(in_.sound, *FindNoCase(file));
+  LoadCaptions(in_.sound, *FindNoCase(file), &notices_);
 }
 
 void Startup::OpenSoundPacks() {
@@ -91,7 +92,7 @@ void Startup::OpenSoundPacks() {
 }
 
 bool Startup::OpenPilot(std::string_view file) {
-  const std::string problem = LoadPilotData(file, in_.pilot, in_.sound, in_.options);
+  const std::string problem = LoadPilotData(file, in_.pilot, in_.sound, in_.options, &notices_);
   if (!problem.empty()) {
     Note(std::string(file), "the pilot file cannot be read; the pilot page is as it was");
     return false;

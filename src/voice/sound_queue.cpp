@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <iterator>
+#include <map>
 #include <optional>
 
 #include "base/failure.h"
@@ -129,11 +130,6 @@ std::string CutToLine(std::string line) {
   return line;
 }
 
-std::string CaptionOf(const SoundState& s, std::string_view path) {
-  auto it = s.CaptionTable.find(CaptionKey(path));
-  return it == s.CaptionTable.end() ? std::string() : it->second;
-}
-
 // What the pilot reads while the file plays: the rolling caption buffer.
 void ShowCaption(Voice& v, const SoundChannel& ch, const QueuedSound& entry,
                  const std::string& caption) {
@@ -185,6 +181,11 @@ void SoundTimerStep(Voice& v, int channel) {
 }
 
 }  // namespace
+
+std::string CaptionOf(const SoundState& s, std::string_view path) {
+  auto it = s.CaptionTable.find(CaptionKey(path));
+  return it == s.CaptionTable.end() ? std::string() : it->second;
+}
 
 void InitSound(SoundState& s) {
   for (SoundChannel& ch : s.Channels) ch = SoundChannel{};
@@ -273,13 +274,35 @@ bool DisplayOnlyThisTextFSMessage(Voice& v, std::string_view text, int seconds) 
   return WriteMessageLine(v, line, seconds);
 }
 
-void LoadCaptions(SoundState& s, std::string_view file) {
+void LoadCaptions(SoundState& s, std::string_view file, Notices* notices) {
   s.CaptionTable.clear();
+  const std::string text = ReadFile(file);
   // Captions are sentences: a comma in them is part of the words.
-  for (const INIEntry& e : ParseINIFileSection(file, kCaptionSection, false)) {
-    if (e.Key.empty()) continue;
-    s.CaptionTable.emplace(e.Key, e.Value);  // the first of two duplicates wins
+  const std::vector<INIEntry> entries = ParseINISectionText(text, kCaptionSection, false);
+  std::map<std::string, int> lineOf;
+  for (const INIEntry& e : entries) {
+    if (e.Key.empty()) {
+      if (notices)
+        notices->push_back(
+            Notice{std::string(file), e.Line, "a caption without a sound name, passed over"});
+      continue;
+    }
+    // The first of two captions for one sound wins.
+    if (const auto [at, added] = lineOf.emplace(e.Key, e.Line); !added) {
+      if (notices)
+        notices->push_back(Notice{std::string(file), e.Line,
+                                  "a second caption for " + e.Key + "; the one at line " +
+                                      std::to_string(at->second) + " is kept"});
+      continue;
+    }
+    s.CaptionTable.emplace(e.Key, e.Value);
   }
+  if (notices == nullptr) return;
+  if (entries.empty())
+    notices->push_back(
+        Notice{std::string(file), 0,
+               "no " + std::string(kCaptionSection) + " section; no captions shown"});
+  NoteLinesPassedOver(file, text, false, *notices);
 }
 
 std::string CaptionKey(std::string_view path) {

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "base/events.h"
+#include "base/notices.h"
 #include "voice/audio_out.h"
 
 namespace vantoro {
@@ -137,10 +138,15 @@ bool DisplayOnlyThisTextFSMessage(Voice& v, std::string_view text, int seconds);
 // A call point kept for spoken texts; it shows nothing.
 inline void DisplayVoiceIfWanted(std::string_view /*text*/, int /*seconds*/ = 0) {}
 
-void LoadCaptions(SoundState& s, std::string_view file);
+// What cannot be a caption (a line that is no "NAME=words", a second caption
+// for one sound, no caption section at all) becomes a notice naming the line.
+void LoadCaptions(SoundState& s, std::string_view file, Notices* notices = nullptr);
 // The caption key of a path: file part upper case, with the aircraft folder
 // prefixes ("B737\LANDEDTOOFAST.WAV").
 std::string CaptionKey(std::string_view path);
+// The words of a file below the root ("Sound\\Jim\\b737\\MaxAlt.wav"); empty when
+// the captions have none.
+std::string CaptionOf(const SoundState& s, std::string_view path);
 
 void SetInstructorVolume(Voice& v, int setting);
 // On connecting: sound disabled with captions on keeps the files running,

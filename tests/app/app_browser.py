@@ -174,6 +174,26 @@ def run_test(args):
         driver.find_element(By.ID, "cmdSaveAs").click()
         WebDriverWait(driver, 10).until(
             lambda d: "Please enter a file to save the Pilot to!" in text(d, "msg"))
+
+        # The pilot's own profile on the Aircraft page: a mistake is told line
+        # by line and nothing is written; good figures are saved.
+        driver.get(app.url + "aircraft.html")
+        WebDriverWait(driver, 20).until(lambda d: "Cessna" in text(d, "lblCurrentAircraft"))
+        driver.find_element(By.ID, "optUserData").click()
+        WebDriverWait(driver, 10).until(lambda d: d.find_element(By.ID, "IASStallCruise").is_enabled())
+        fsu = lambda: [f for _, _, files in os.walk(app.data) for f in files if f.endswith(".fsu")]
+        before = fsu()
+        for value, wanted in [("fast", "Clean Stall Speed is invalid"), ("47", "Saved")]:
+            stall = driver.find_element(By.ID, "IASStallCruise")
+            stall.clear()
+            stall.send_keys(value)
+            driver.find_element(By.ID, "cmdWriteINI").click()
+            where = "validation" if wanted != "Saved" else "msg"
+            WebDriverWait(driver, 10).until(lambda d: wanted in text(d, where))
+            if wanted != "Saved" and fsu() != before:
+                failures.append("a profile with a mistake was written")
+        if len(fsu()) <= len(before) and not any("C172" in f for f in fsu()):
+            failures.append("the pilot's own profile was not written")
     finally:
         quit_browser(driver)
         app.close()

@@ -4,8 +4,8 @@
 
 #include "app/web/web_server.h"
 #include "base/failure.h"
-#include "cli/event_writers.h"
-#include "cli/replay.h"
+#include "shell/event_json.h"
+#include "shell/replay.h"
 
 namespace vantoro {
 
@@ -64,16 +64,20 @@ void StandInHost::Loop() {
   in.settings.PilotFile = in.pilot.CurrentPilotFile;
   feed.PublishState(LiveState(in));
 
-  // Waits out the pace of one tick, running what the app posts meanwhile.
+  // Waits out the pace of one tick, running what the app posts meanwhile;
+  // what waits for the remote timer runs at least once between two ticks.
+  auto runPosted = [&] {
+    if (mailbox.RunPending(in) + mailbox.RunRemote(in) > 0) feed.PublishState(LiveState(in));
+  };
   auto pause = [&](std::chrono::milliseconds span) {
     const auto until = std::chrono::steady_clock::now() + span;
     do {
-      if (mailbox.RunPending(in) > 0) feed.PublishState(LiveState(in));
+      runPosted();
       std::unique_lock lock(mutex_);
       wake_.wait_until(lock, until, [&] { return woken_ || stop_.load(); });
       woken_ = false;
     } while (!stop_ && std::chrono::steady_clock::now() < until);
-    if (mailbox.RunPending(in) > 0) feed.PublishState(LiveState(in));
+    runPosted();
   };
 
   RecordingStep one;

@@ -47,6 +47,11 @@ TEST(FlightScript, ErrorsNameTheFileAndLine) {
       {"raw u8 5000 1\n",
        "s.flight:1: raw: a write of 1 byte at 5000 lies outside the offset blocks (0020-401F, "
        "6000-61FF, B800-C7FF, E020-1001F)"},
+      {"traffic sky 1 at 3 800\n", "s.flight:1: traffic needs: air|ground SLOT at CLOCK FEET"},
+      {"traffic air 96 at 3 800\n", "s.flight:1: traffic slot 96 is out of range (1..95)"},
+      {"traffic air 1 at 13 800\n", "s.flight:1: clock position 13 is out of range (1..12)"},
+      {"traffic air 1 at 3 800 fast 3\n", "s.flight:1: traffic does not take 'fast'"},
+      {"traffic air 1 at 3 800 high\n", "s.flight:1: traffic 'high' needs a number"},
       {"clock tomorrow\n", "s.flight:1: malformed date and time 'tomorrow' (2026-06-14T09:30:00)"},
       {"aircraft title\n", "s.flight:1: aircraft title needs its text"},
       {"key 3.5\n", "s.flight:1: key needs a whole number"},

@@ -1,4 +1,4 @@
-#include "cli/replay.h"
+#include "shell/replay.h"
 
 #include <gtest/gtest.h>
 
@@ -10,6 +10,7 @@
 #include "base/gzip.h"
 #include "base/text.h"
 #include "cli/commands.h"
+#include "link/hotkey_table.h"
 #include "support/scenario.h"
 
 namespace vantoro {
@@ -34,8 +35,10 @@ TEST(Replay, PhrasesKeysAndVirtualTime) {
   // Each tick is half a second: one tick and four sound steps of 125 ms.
   EXPECT_EQ(replay.VirtualMs(), 2000);
   EXPECT_EQ(replay.Phrases(), (std::vector<std::string>{"next flight mode", "cancel"}));
-  // A key after the last tick waits for a tick that never comes.
-  EXPECT_EQ(replay.instructor().flight.VoiceAction, 7);
+  // The key is pressed in the simulator: the hit marker of slot 7's entry
+  // waits for a tick that never comes.
+  EXPECT_EQ(replay.image().U8(HotKeyEntryOffset(6) + kHotKeyHitByte), 1);
+  EXPECT_EQ(replay.instructor().flight.VoiceAction, 0);
   ASSERT_FALSE(log.events.empty());
   EXPECT_EQ(log.events.back().type, "end");
   EXPECT_EQ(log.events.back().Int("ticks"), 4);

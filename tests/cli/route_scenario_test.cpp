@@ -10,8 +10,8 @@
 
 #include "base/files.h"
 #include "cli/commands.h"
-#include "cli/replay.h"
 #include "link/recording.h"
+#include "shell/replay.h"
 #include "support/scenario.h"
 #include "world/flight_plan.h"
 

@@ -11,7 +11,7 @@
 #include "base/files.h"
 #include "base/text.h"
 #include "cli/commands.h"
-#include "cli/replay.h"
+#include "shell/replay.h"
 #include "support/scenario.h"
 
 namespace vantoro {

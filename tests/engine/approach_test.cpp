@@ -1,6 +1,5 @@
 #include "engine/approach.h"
 
-#include <deque>
 #include <functional>
 
 #include "base/files.h"
@@ -11,18 +10,6 @@
 
 namespace vantoro {
 namespace {
-
-// Draws that the test decides: each even-chance choice takes the next value.
-class ScriptedRandom final : public Random {
- public:
-  std::deque<double> draws;
-  double Uniform() override {
-    if (draws.empty()) return 0.1;
-    const double d = draws.front();
-    draws.pop_front();
-    return d;
-  }
-};
 
 // ZZAA 09 at 10 N 20 E: 148 feet wide, 8000 long, threshold 0 feet in,
 // elevation 500, ILS 110.30, glide slope 3 degrees.
@@ -76,31 +63,7 @@ struct Bench {
     }
     rig.Mark();
   }
-  Cockpit c() {
-    Cockpit k = rig.instructor.cockpit();
-    return Cockpit{.link = k.link,
-                   .flight = k.flight,
-                   .sound = k.sound,
-                   .aircraft = k.aircraft,
-                   .world = k.world,
-                   .plan = k.plan,
-                   .scores = k.scores,
-                   .approach = k.approach,
-                   .procedures = k.procedures,
-                   .checklists = k.checklists,
-                   .circuit = k.circuit,
-                   .failures = k.failures,
-                   .traffic = k.traffic,
-                   .voiceCommands = k.voiceCommands,
-                   .route = k.route,
-                   .options = k.options,
-                   .root = k.root,
-                   .sim = k.sim,
-                   .audio = k.audio,
-                   .events = k.events,
-                   .clock = k.clock,
-                   .random = random};
-  }
+  Cockpit c() { return WithRandom(rig.instructor.cockpit(), random); }
   FSData& now() { return rig.instructor.link.Now(); }
   FSData& before() { return rig.instructor.link.Records[rig.instructor.link.PreviousRecord]; }
   FlightState& flight() { return rig.instructor.flight; }

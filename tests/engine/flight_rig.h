@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <cmath>
+#include <deque>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -19,6 +20,44 @@
 namespace vantoro {
 
 inline constexpr double K = -99999;  // a leg leaves this value as it is
+
+// Draws that the test decides: each draw takes the next value, then 0.1.
+class ScriptedRandom final : public Random {
+ public:
+  std::deque<double> draws;
+  double Uniform() override {
+    if (draws.empty()) return 0.1;
+    const double d = draws.front();
+    draws.pop_front();
+    return d;
+  }
+};
+
+// The cockpit of an instructor with the test's own random draws.
+inline Cockpit WithRandom(Cockpit k, Random& random) {
+  return Cockpit{.link = k.link,
+                 .flight = k.flight,
+                 .sound = k.sound,
+                 .aircraft = k.aircraft,
+                 .world = k.world,
+                 .plan = k.plan,
+                 .scores = k.scores,
+                 .approach = k.approach,
+                 .procedures = k.procedures,
+                 .checklists = k.checklists,
+                 .circuit = k.circuit,
+                 .failures = k.failures,
+                 .traffic = k.traffic,
+                 .voiceCommands = k.voiceCommands,
+                 .route = k.route,
+                 .options = k.options,
+                 .root = k.root,
+                 .sim = k.sim,
+                 .audio = k.audio,
+                 .events = k.events,
+                 .clock = k.clock,
+                 .random = random};
+}
 
 // Part of a flight: a hot key, the aircraft's new values, some ticks.
 struct Leg {

@@ -109,7 +109,7 @@ TEST(GroundRules, TurnsReverseSpoilersAndTheTakeOffRoll) {
       {"past rotation speed", kRoll, {.gs = 50, .ias = 58}, "OKLetsRotate.wav", "2", "LateRotation"},
       {"nearing it", kRoll, {.gs = 50, .ias = 53}, "AmberOKLetsRotate.wav", "1", ""},
       {"rotating", kRoll, {.gs = 50, .ias = 58, .pitch = 3}, "", "", ""},
-      {"a jet, whose own calls take over", {.key = 7, .stallCruise = 50, .jet = 1}, {.gs = 50, .ias = 58}, "", "", "", 1, "", "CRJ700"},
+      {"a jet, whose own calls take over", {.key = 7, .stallCruise = 50, .jet = 1}, {.gs = 50, .ias = 58}, "CRJ700\\TakeOffThrottle.wav|CRJ700\\RotationSpeed.wav", "", "", 1, "", "CRJ700"},
   });
 }
 
@@ -161,7 +161,7 @@ TEST(GroundRules, TheTakeOffIsAnnounced) {
   const std::string calm = "VisibilityIs.wav|VeryBad.wav|Wind.wav|Calm.wav";
   Judge({
       {"calm, no runways", {}, {.key = 7}, light + calm, "", "", 1, "TakeOff"},
-      {"heavy", {.heavy = 1}, {.key = 7}, "TakeOff.wav|TeachTOGA.wav|" + calm, "", "", 1, "TakeOff"},
+      {"heavy", {.heavy = 1}, {.key = 7}, "TakeOffFlapsPerhaps.wav|TakeOff.wav|TeachTOGA.wav|" + calm, "", "", 1, "TakeOff"},
   });
   Judge({{"tail wind, 12 miles, on a known runway", {.windFrom = 180, .windKt = 10}, {.key = 7},
           "NotFacingIntoWind.wav|TakeOff.wav|runway.wav|0.wav|8.wav|left.wav|TeachLightTakeOffPower.wav|"
@@ -193,7 +193,7 @@ TEST(GroundRules, TheLandedFlightEndsAsThePilotChose) {
       {kEndFlightWhenBrakeSet, 0, 0, 1, 1, "Taxiing.wav"},
       {kEndFlightWhenBrakeSet, 1, 0, 1, 2, "Taxiing.wav|StartingANewFlight.wav"},
       {kEndFlightWhenShutDown, 1, 0, 1, 1, "Taxiing.wav"},
-      {kEndFlightWhenShutDown, 0, 1, 1, 1, "Taxiing.wav"},
+      {kEndFlightWhenShutDown, 0, 1, 1, 1, "Taxiing.wav|ParkingBrakeOn.wav"},
       {kEndFlightWhenShutDown, 1, 1, 1, 2, "Taxiing.wav|StartingANewFlight.wav"},
   };
   for (const Row& row : rows) {

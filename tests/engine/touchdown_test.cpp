@@ -40,6 +40,9 @@ TEST(Touchdown, TheLandingIsJudgedOnTheSecondTickOnTheGround) {
   for (const Touchdown& row : rows) {
     SCOPED_TRACE(&row - rows.data());
     FlightRig rig;
+    // A failure is noticed aloud ahead of the touchdown test; here only the
+    // touchdown's own sound is looked at.
+    rig.instructor.options.InstructorNoticesFailures = false;
     OnFinal(rig);
     rig.Mark();
     rig.Bank(row.bank);

@@ -303,8 +303,8 @@ TEST(Snapshot, TrafficTableOfThePhaseOnly) {
     EXPECT_EQ(read.Ident, "BAW123");
     EXPECT_DOUBLE_EQ(read.Latitude, 51.5);
     EXPECT_EQ(std::tie(read.Id, read.RelativeHeading, read.GS, read.State, read.VS),
-              std::make_tuple(7, 80, 140, 141, c.onGround ? -500 : 0));
-    EXPECT_DOUBLE_EQ(read.Altitude, c.onGround ? 1200 : 0);
+              std::make_tuple(7, 80, 140, 141, -500));
+    EXPECT_DOUBLE_EQ(read.Altitude, 1200);
     EXPECT_EQ(unread.Ident, "");
   }
 }

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <filesystem>
@@ -179,6 +180,7 @@ TEST(LiveLoop, ARecordingFlownLiveSaysWhatReplaySays) {
 TEST(LiveLoop, PostedWorkRunsOnTheLoopThreadInTheOrderPosted) {
   Witness witness;
   LiveProgram program(LiveSetup{DataRoot(), kSpeed}, TestParts(witness));
+  program.StartUp();
   std::thread loop([&] { program.Run(); });
   std::vector<std::pair<int, std::thread::id>> ran;  // touched on the loop thread only
   std::thread app([&] {
@@ -192,6 +194,13 @@ TEST(LiveLoop, PostedWorkRunsOnTheLoopThreadInTheOrderPosted) {
         return nlohmann::json{{"ran", ran.size()}, {"tick", in.flight.TickCount}};
       },
       std::chrono::seconds(5));
+  // The world read off the loop is taken in, and the web timer tells the app.
+  const bool worldTold = WaitFor([&] {
+    const nlohmann::json state = program.feed().State();
+    return state.is_object() && state.contains("app") &&
+           state["app"]["world"].value("state", "") == "loaded" &&
+           state["app"]["world"].value("runways", 0) > 0;
+  });
   program.Stop();
   loop.join();
   ASSERT_TRUE(answer.has_value());
@@ -202,6 +211,41 @@ TEST(LiveLoop, PostedWorkRunsOnTheLoopThreadInTheOrderPosted) {
     EXPECT_EQ(ran[i].second, program.loop().LoopThread());
   }
   EXPECT_NE(program.loop().LoopThread(), std::this_thread::get_id());
+  EXPECT_TRUE(worldTold) << program.feed().State().dump();
+}
+
+TEST(LiveLoop, WhatActsOnTheFlightWaitsForTheRemoteTimer) {
+  using Due = Mailbox::Due;
+  struct Case {
+    const char* what;
+    std::vector<std::pair<int, Due>> posted;
+    std::vector<int> now, remote;  // what each run carries out, in order
+  };
+  const Case cases[] = {
+      {"pages at once", {{1, Due::Now}, {2, Due::Now}}, {1, 2}, {}},
+      {"flight requests by the remote timer",
+       {{1, Due::RemoteTimer}, {2, Due::RemoteTimer}},
+       {},
+       {1, 2}},
+      {"each in its own order",
+       {{1, Due::RemoteTimer}, {2, Due::Now}, {3, Due::RemoteTimer}, {4, Due::Now}},
+       {2, 4},
+       {1, 3}},
+  };
+  Witness witness;
+  LiveProgram program(LiveSetup{DataRoot(), kSpeed}, TestParts(witness));
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    Mailbox mailbox;
+    std::vector<int> ran;
+    for (const auto& [n, due] : c.posted)
+      mailbox.Post([&ran, n = n](Instructor&) { ran.push_back(n); }, due);
+    EXPECT_EQ(mailbox.RunPending(program.instructor()), c.now.size());
+    EXPECT_EQ(ran, c.now);
+    ran.clear();
+    EXPECT_EQ(mailbox.RunRemote(program.instructor()), c.remote.size());
+    EXPECT_EQ(ran, c.remote);
+  }
 }
 
 std::vector<fs::path> FilesEndingIn(const fs::path& folder, const std::string& ending) {
@@ -213,6 +257,9 @@ std::vector<fs::path> FilesEndingIn(const fs::path& folder, const std::string& e
   }
   return out;
 }
+
+// The hot key slot "next flight mode".
+constexpr int kPressedInApp = 7;
 
 TEST(LiveLoop, ConnectAndDisconnectFromTheAppAndTheFlightsRecordingReplays) {
   const fs::path folder = fs::temp_directory_path() / ("vantoro-live-" + std::to_string(getpid()));
@@ -232,8 +279,21 @@ TEST(LiveLoop, ConnectAndDisconnectFromTheAppAndTheFlightsRecordingReplays) {
   LiveProgram program(LiveSetup{root, kSpeed}, std::move(parts));
   program.StartUp();
   std::thread loop([&] { program.Run(); });
-  program.mailbox().Post([](Instructor& in) { in.Connect(); });
+  // The app's Connect waits for the remote timer, as its hot keys do.
+  constexpr Mailbox::Due kRemote = Mailbox::Due::RemoteTimer;
+  program.mailbox().Post([](Instructor& in) { in.Connect(); }, kRemote);
   ASSERT_TRUE(WaitFor([&] { return StateTick(program) >= 6; })) << "no ticks after Connect";
+  // "Next flight mode" pressed in the app while taxiing: the mode moves on,
+  // and the flight's recording must replay the same press.
+  auto modes = [&] {
+    const std::vector<Event> events = witness.Events();
+    return std::count_if(events.begin(), events.end(),
+                         [](const Event& e) { return e.type == "mode"; });
+  };
+  const auto before = modes();
+  program.mailbox().Post([](Instructor& in) { in.PressHotKey(kPressedInApp); }, kRemote);
+  ASSERT_TRUE(WaitFor([&] { return modes() > before; }))
+      << "the hot key pressed in the app did nothing";
 
   // While the flight is open its recording is readable up to the last second
   // written: a program that dies now keeps all but that second.
@@ -261,6 +321,7 @@ TEST(LiveLoop, ConnectAndDisconnectFromTheAppAndTheFlightsRecordingReplays) {
   ASSERT_TRUE(LoadRecording(kept.string(), recorded, error)) << error;
   std::string recordedText;
   ASSERT_EQ(InflateLimited(ReadFile(kept.string()), recordedText), InflateResult::Ok);
+  EXPECT_NE(recordedText.find("\nkey " + std::to_string(kPressedInApp) + "\n"), std::string::npos);
   const std::vector<Event> replayed = ReplayText(recordedText, {root, kSeed, true, ""}).events;
   const auto story = Story(witness.Events(), "disconnect");
   EXPECT_EQ(story, Story(replayed, "end"));

@@ -62,7 +62,7 @@ TEST(SettingsFile, WrittenByteForByte) {
   const std::string misc =
       "\r\n[Pilot]\r\nPilotFile=\r\n\r\n[Misc]\r\nTransitionAltitude=18000\r\nEndFlight=0\r\n"
       "LoadFSXPlanOnConnect=0\r\nGPSOverridesFlightPlan=0\r\nSpokenTips=1\r\nAviationTips=1\r\n"
-      "InstantHelp=1\r\nTaxiwayTips=1\r\n\r\n[Voice]\r\nMode=0\r\n";
+      "InstantHelp=1\r\nTaxiwayTips=1\r\nReminderInterval=120\r\n\r\n[Voice]\r\nMode=0\r\n";
   Settings fs;
   EXPECT_EQ(ComposeSettings(fs),
             "[FS Folders]\r\nFS2002=\r\nFS2004=\r\nFSX=\r\nFlightPlan=\r\n" + misc);

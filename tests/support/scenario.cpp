@@ -5,8 +5,8 @@
 
 #include "base/files.h"
 #include "base/text.h"
-#include "cli/replay.h"
 #include "flightgen/flightgen.h"
+#include "shell/replay.h"
 
 namespace vantoro::testing {
 

@@ -23,17 +23,11 @@ struct CliRun {
   std::vector<std::string> lines;
 };
 
-CliRun Runways(std::vector<std::string> args) {
-  args.insert(args.begin(), "runways");
-  std::vector<char*> argv;
-  for (std::string& a : args) argv.push_back(a.data());
+CliRun Runways(const std::vector<std::string>& args) {
   std::ostringstream out, err;
-  auto* oldOut = std::cout.rdbuf(out.rdbuf());
-  auto* oldErr = std::cerr.rdbuf(err.rdbuf());
+  CliContext cli{"vantoro-cli", out, err};
   CliRun run;
-  run.status = RunwaysCommand(static_cast<int>(argv.size()), argv.data());
-  std::cout.rdbuf(oldOut);
-  std::cerr.rdbuf(oldErr);
+  run.status = RunwaysCommand(args, cli);
   run.out = out.str();
   run.err = err.str();
   std::istringstream lines(run.out);
@@ -103,19 +97,21 @@ TEST(RunwaysCommand, BadUsage) {
     const char* problem;
   };
   const Case cases[] = {
-      {{}, "usage:"},
-      {{"nearby", "1", "2"}, "runways: unknown action nearby"},
-      {{"nearest", "north", "-73"}, "runways: LAT must be a number"},
-      {{"nearest", "40", "-73", "--heading", "400"}, "runways: --heading must be"},
-      {{"nearest", "40", "-73", "--limit"}, "runways: --limit needs a value"},
-      {{"nearest", "40", "-73", "--wind", "3"}, "runways: unknown argument --wind"},
+      {{}, "A subcommand is required"},
+      {{"nearby", "1", "2"}, "unknown action nearby"},
+      {{"nearest", "north", "-73"}, "LAT: must be degrees from -90 to 90, not north"},
+      {{"nearest", "40", "-73", "--heading", "400"},
+       "--heading: must be degrees from 0 to 360, not 400"},
+      {{"nearest", "40", "-73", "--limit"}, "--limit: 1 required"},
+      {{"nearest", "40", "-73", "--wind", "3"},
+       "not an option or argument of this command: --wind"},
       {{"nearest", "40", "-73", "--root", dir.Path()}, "Vantoro runway data file is missing!"},
       {{"import", dir.File("apt.dat"), kData + "mini.nav.dat", dir.Path()}, "cannot be read"},
   };
   for (const Case& c : cases) {
     CliRun run = Runways(c.args);
     EXPECT_EQ(run.status, 2) << c.problem;
-    EXPECT_NE(run.err.find(c.problem), std::string::npos) << run.err;
+    EXPECT_NE(run.err.find(c.problem), std::string::npos) << c.problem << "\n" << run.err;
     EXPECT_TRUE(run.out.empty()) << c.problem;
   }
 }

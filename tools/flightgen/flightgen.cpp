@@ -20,6 +20,13 @@
 //   obs D                      NAV1 omni-bearing selector
 //   set OPTIONS                change the options below without letting time pass
 //   key N / say PHRASE         the pilot presses hot key N / speaks, before the next tick
+//   traffic air|ground SLOT at CLOCK FEET [high|low FT] [speed K] [vs V] [state S] [ident TEXT]
+//                              a target of the simulator's traffic tables (slot 1..95), placed
+//                              FEET from the aircraft at the clock position CLOCK (1..12) of
+//                              its nose, level with it unless high or low; the rest of the
+//                              line after "ident" is its call sign (default "N123"), state its
+//                              AI state (140, en route). It stays there until placed again;
+//                              the table's count of slots in use covers the highest slot placed
 //   raw DIRECTIVE              a recording line written as it stands before the next tick
 //                              ("raw u16 0C4E 12"); it holds until the generator itself
 //                              changes that offset
@@ -74,6 +81,7 @@ constexpr double kPi = 3.14159265358979323846;
 // One degree of great circle is 60 nautical miles, as the instructor measures.
 constexpr double kEarthRadiusNm = 60.0 * 180.0 / kPi;
 constexpr double kFeetPerSecondPerKnot = 1.687810;
+constexpr double kFeetPerNauticalMile = 6076;  // as the traffic monitors measure
 // A phase without "for" that has not ended after this long is a script fault.
 constexpr int kMaxPhaseTicks = 4 * 3600 * 2;
 constexpr int kMaxFlightTicks = 48 * 3600 * 2;
@@ -112,6 +120,7 @@ enum class Op {
   Key,
   Say,
   Raw,
+  Traffic,
   Wait,
   EngineStart,
   EngineStop,
@@ -174,6 +183,7 @@ constexpr OpInfo kOps[] = {
     {"key", Op::Key, 1, false, 0, false, false},
     {"say", Op::Say, 0, true, 0, false, false},
     {"raw", Op::Raw, 0, true, 0, false, false},
+    {"traffic", Op::Traffic, 0, true, 0, false, false},
     {"wait", Op::Wait, 0, false, kCommon, true, true},
     {"engine start", Op::EngineStart, 0, false, kCommon, true, false},
     {"engine stop", Op::EngineStop, 0, false, kCommon, true, false},
@@ -210,6 +220,15 @@ struct Options {
   int dir = 0;  // -1 left, +1 right, 0 the shorter way
 };
 
+// A target placed in a traffic table.
+struct TrafficTarget {
+  bool ground = false;
+  int slot = 1;
+  double clock = 12, feet = 0, above = 0, speed = 0, vs = 0;
+  int state = 140;
+  std::string ident = "N123";
+};
+
 struct ScriptLine {
   int line = 0;
   std::string source;  // the line as written, trimmed
@@ -218,6 +237,7 @@ struct ScriptLine {
   std::string text;
   WallTime clock;
   Options opt;
+  TrafficTarget traffic;
 };
 
 bool IsBlank(char c) {
@@ -295,6 +315,7 @@ class ScriptReader {
   bool Number(std::string_view word, std::string_view what, double low, double high, double& v);
   bool Line(std::string_view text, ScriptLine& out);
   bool Option(std::vector<std::string_view>& words, size_t& i, ScriptLine& out);
+  bool Traffic(std::string_view text, TrafficTarget& t);
 
   std::string name_;
   int line_ = 0;
@@ -406,6 +427,44 @@ bool ScriptReader::Option(std::vector<std::string_view>& words, size_t& i, Scrip
   return Fail(phase + " does not take '" + std::string(key) + "'");
 }
 
+bool ScriptReader::Traffic(std::string_view text, TrafficTarget& t) {
+  std::vector<std::string_view> words = Words(text);
+  if (words.size() < 5 || (words[0] != "air" && words[0] != "ground") || words[2] != "at")
+    return Fail("traffic needs: air|ground SLOT at CLOCK FEET");
+  t.ground = words[0] == "ground";
+  double slot = 0;
+  if (!Number(words[1], "traffic slot", 1, 95, slot) ||
+      !Number(words[3], "clock position", 1, 12, t.clock) ||
+      !Number(words[4], "traffic distance", 0, 1e6, t.feet))
+    return false;
+  t.slot = static_cast<int>(slot);
+  for (size_t i = 5; i < words.size(); i += 2) {
+    const std::string_view key = words[i];
+    if (key == "ident") {
+      t.ident = std::string(AfterWords(text, i + 1));
+      if (t.ident.empty() || t.ident.size() > 14)
+        return Fail("ident needs a call sign of 1 to 14 characters");
+      return true;
+    }
+    if (i + 1 >= words.size()) return Fail("traffic '" + std::string(key) + "' needs a number");
+    double v = 0;
+    if (key == "high" || key == "low") {
+      if (!Number(words[i + 1], key, 0, 60000, v)) return false;
+      t.above = key == "high" ? v : -v;
+    } else if (key == "speed") {
+      if (!Number(words[i + 1], "speed", 0, 2000, t.speed)) return false;
+    } else if (key == "vs") {
+      if (!Number(words[i + 1], "vs", -30000, 30000, t.vs)) return false;
+    } else if (key == "state") {
+      if (!Number(words[i + 1], "state", 0, 255, v)) return false;
+      t.state = static_cast<int>(v);
+    } else {
+      return Fail("traffic does not take '" + std::string(key) + "'");
+    }
+  }
+  return true;
+}
+
 bool ScriptReader::Line(std::string_view text, ScriptLine& out) {
   std::vector<std::string_view> words = Words(text);
   // The longest matching first words name the step.
@@ -430,6 +489,7 @@ bool ScriptReader::Line(std::string_view text, ScriptLine& out) {
     if (out.text.empty()) return Fail(std::string(found->words) + " needs its text");
     if (found->op == Op::Clock && !ParseIsoTime(out.text, out.clock))
       return Fail("malformed date and time '" + out.text + "' (2026-06-14T09:30:00)");
+    if (found->op == Op::Traffic) return Traffic(out.text, out.traffic);
     if (found->op == Op::Raw) {
       // Checked now as the replay will read it.
       Recording check;
@@ -611,6 +671,7 @@ class Generator {
     return false;
   }
   void Setting(const ScriptLine& l);
+  void PlaceTraffic(const TrafficTarget& t);
   void Common(const Options& o);
   bool Begin(const ScriptLine& l);
   bool Ended(const ScriptLine& l) const;
@@ -632,7 +693,8 @@ class Generator {
   double simSeconds_ = 0;  // simulator clock: seconds since the clock's midnight
   int ticks_ = 0;
   bool clockPending_ = true;
-  std::string pending_;  // key, say and raw lines for the next tick
+  std::string pending_;                 // key, say, raw and traffic lines for the next tick
+  int airSlots_ = 0, groundSlots_ = 0;  // the highest traffic slot placed in each table
   // State of the phase under way.
   bool contact_ = false;  // the wheels touched in this tick
   int bounceStage_ = 0;
@@ -650,6 +712,40 @@ void Generator::Common(const Options& o) {
   if (o.battery) a_.battery = *o.battery;
   if (o.avionics) a_.avionics = *o.avionics;
   if (o.lights) a_.lights = *o.lights;
+}
+
+// The target's slot as the simulator's traffic tables hold it: position,
+// altitude, heading (the aircraft's own), speeds, call sign and state; the
+// word before the table names the highest slot placed so far.
+void Generator::PlaceTraffic(const TrafficTarget& t) {
+  const uint32_t table = t.ground ? 0xF080 : 0xE080;
+  const uint32_t at = table + 40 * static_cast<uint32_t>(t.slot);
+  int& highest = t.ground ? groundSlots_ : airSlots_;
+  highest = std::max(highest, t.slot);
+  const double bearing = Radians(a_.heading + t.clock * 30);
+  const double degrees = t.feet / kFeetPerNauticalMile / 60.0;
+  const double lat = a_.lat + degrees * std::cos(bearing);
+  const double lon = a_.lon + degrees * std::sin(bearing) / std::cos(Radians(a_.lat));
+  char line[160];
+  auto put = [&](const char* type, uint32_t offset, const std::string& value) {
+    std::snprintf(line, sizeof line, "%s %04X %s\n", type, offset, value.c_str());
+    pending_ += line;
+  };
+  auto number = [](double v) {
+    char text[40];
+    std::snprintf(text, sizeof text, "%.9g", v);
+    return std::string(text);
+  };
+  put("u16", table - 2, std::to_string(table + 40 * (highest - 1)));
+  put("u8", at, std::to_string(t.slot));
+  put("f32", at + 4, number(lat));
+  put("f32", at + 8, number(lon));
+  put("f32", at + 12, number(a_.fieldElevation + a_.height + t.above));
+  put("u16", at + 16, std::to_string(Round(a_.heading * 65536.0 / 360.0) % 65536));
+  put("u16", at + 18, std::to_string(Round(t.speed)));
+  put("i16", at + 20, std::to_string(Round(t.vs)));
+  put("str", at + 22, t.ident);
+  put("u8", at + 37, std::to_string(t.state));
 }
 
 void Generator::Setting(const ScriptLine& l) {
@@ -712,6 +808,9 @@ void Generator::Setting(const ScriptLine& l) {
       break;
     case Op::Raw:
       pending_ += l.text + "\n";
+      break;
+    case Op::Traffic:
+      PlaceTraffic(l.traffic);
       break;
     default:
       break;

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "base/failure.h"
-#include "cli/replay.h"
+#include "shell/replay.h"
 #include "world/geo.h"
 
 namespace vantoro {

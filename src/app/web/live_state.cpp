@@ -1,8 +1,12 @@
 // The state document of the Fly page, built on the loop thread after each tick.
+#include <filesystem>
 #include <string>
+#include <system_error>
 
 #include "app/web/web_server.h"
+#include "base/files.h"
 #include "base/text.h"
+#include "records/flight_log.h"
 #include "shell/instructor.h"
 
 namespace vantoro {
@@ -17,7 +21,22 @@ const char* ModeName(const ModeFlags& m) {
   return "none";
 }
 
+// "size/time" of a file, "" when there is none.
+std::string FileStamp(const std::string& path) {
+  std::error_code ec;
+  const auto size = std::filesystem::file_size(path, ec);
+  if (ec) return {};
+  const auto time = std::filesystem::last_write_time(path, ec).time_since_epoch().count();
+  return std::to_string(size) + "/" + std::to_string(time);
+}
+
 }  // namespace
+
+nlohmann::json SlowAppState(const Instructor& in) {
+  const std::string& pilot = in.pilot.CurrentPilotFile;
+  const std::string log = pilot.empty() ? "" : NativePath(GetPilotFile(pilot, ".dat"));
+  return {{"logBook", log.empty() ? "" : FileStamp(log)}};
+}
 
 nlohmann::json LiveState(const Instructor& in) {
   const FlightState& f = in.flight;
@@ -51,6 +70,7 @@ nlohmann::json LiveState(const Instructor& in) {
     j["live"] = live;
   }
   if (in.sound.Status.CircuitTraining) j["leg"] = Trim(in.sound.Status.CircuitLeg);
+  if (!in.checklists.NextTitle.empty()) j["checklist"] = in.checklists.NextTitle;
   if (!in.plan.Waypoints.empty()) j["waypoint"] = in.plan.CurrentWaypointName;
   j["remark"] = {{"text", in.sound.RemarkText}, {"level", in.sound.RemarkLevel}};
   j["scores"] = {{"landing", in.scores.LandingScore},

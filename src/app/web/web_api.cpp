@@ -9,6 +9,7 @@
 #include "engine/tick_rules.h"
 #include "records/flight_log.h"
 #include "shell/instructor.h"
+#include "voice/voice_commands.h"
 #include "world/profiles.h"
 
 namespace vantoro::web {
@@ -263,6 +264,19 @@ json ConnectionAnswer(const Instructor& in) {
   return j;
 }
 
+// A file inside the data root as the pilot knows it, from the root on
+// ("Aircraft/C172.fsr"); a file elsewhere in full.
+std::string ShownInRoot(const std::string& root, const std::string& file) {
+  if (file.empty()) return file;
+  std::error_code ec;
+  const fs::path base = fs::weakly_canonical(NativePath(root), ec);
+  const fs::path path = fs::weakly_canonical(file, ec);
+  if (ec) return file;
+  const fs::path inside = path.lexically_relative(base);
+  if (inside.empty() || *inside.begin() == "..") return file;
+  return inside.generic_string();
+}
+
 }  // namespace
 
 json ConnectAction(Instructor& in) {
@@ -273,6 +287,20 @@ json ConnectAction(Instructor& in) {
 json DisconnectAction(Instructor& in) {
   in.Disconnect();
   return ConnectionAnswer(in);
+}
+
+json PressKeyAction(Instructor& in, const json& body) {
+  if (!body.is_object() || !body.contains("key") || !body["key"].is_number_integer())
+    return Refusal(400, "the request must hold \"key\", a hot key slot from 1 to 15");
+  const int64_t slot = body["key"].get<int64_t>();
+  if (slot < 1 || slot > kHotKeySlots)
+    return Refusal(400, "\"key\" must be a hot key slot from 1 to 15");
+  if (!in.flight.UserConnected)
+    return Refusal(409, "the hot keys act in flight: connect to the simulator first");
+  in.PressHotKey(static_cast<int>(slot));
+  json j = Done();
+  j["key"] = slot;
+  return j;
 }
 
 json PilotPage(Instructor& in) {
@@ -441,6 +469,9 @@ json SettingsPage(Instructor& in) {
   j["endFlightLabels"] = kEndFlightLabels;
   j["endFlightTips"] = kEndFlightTips;
   j["voiceModes"] = kVoiceModes;
+  // What the pilot may say: the grammar's phrase lists, as the recogniser
+  // hears them.
+  j["voicePhrases"] = VoiceGrammarLists();
   json devices = json::array();
   if (AudioOut* out = in.cockpit().audio[0]) {
     for (int i = 0; i < out->DeviceCount(); ++i) devices.push_back(out->DeviceName(i));
@@ -545,7 +576,7 @@ json AircraftPage(Instructor& in) {
   const AircraftValues& a = in.aircraft;
   json j;
   j["title"] = a.Title;
-  j["sourceFile"] = NativePath(a.SourceFile);
+  j["sourceFile"] = ShownInRoot(in.root, NativePath(a.SourceFile));
   j["source"] = SourceName(a.Source);
   j["estimated"] = ProfileIsEstimated(a);
   j["locked"] = a.Locked;
@@ -625,6 +656,7 @@ json SaveProfileAction(Instructor& in, const json& body) {
   SetupAircraftValues(in.aircraft);
   json j = AircraftPage(in);
   j["message"] = "Saved " + folder + ".fsu";
+  j["saved"] = true;
   return j;
 }
 

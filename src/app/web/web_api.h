@@ -22,6 +22,10 @@ json Refusal(int status, std::string_view message);
 
 json ConnectAction(Instructor& in);
 json DisconnectAction(Instructor& in);
+// {"key": N}: the pilot presses hot key slot N (1..15) in the app; it acts in
+// the next tick, as the key pressed in the simulator would. Refused while
+// not connected.
+json PressKeyAction(Instructor& in, const json& body);
 
 // The pilot page: every field of the record, the file, the unsaved flag, the
 // instructors, the pilot files of the load dialog.

@@ -223,8 +223,8 @@ bool WebServer::Paired(const httplib::Request& req) const {
          ConstantTimeEqual(CookieValue(req.get_header_value("Cookie"), kPairingCookie), code);
 }
 
-void WebServer::AskLoop(httplib::Response& res, Mailbox::Question question) {
-  std::optional<json> answer = mailbox_.Ask(std::move(question), options_.answerTimeout);
+void WebServer::AskLoop(httplib::Response& res, Mailbox::Question question, Mailbox::Due due) {
+  std::optional<json> answer = mailbox_.Ask(std::move(question), options_.answerTimeout, due);
   if (!answer) {
     Fail(res, 503, "the instructor did not answer; it may be closing");
     return;
@@ -401,22 +401,29 @@ void WebServer::Routes(httplib::Server& server) {
           return sink.write(out.data(), out.size());
         });
   });
+  // What acts on the flight waits for the remote timer, between two ticks.
+  constexpr Mailbox::Due kRemote = Mailbox::Due::RemoteTimer;
   server.Post("/api/connect", [this](const Request&, Response& res) {
-    AskLoop(res, [](Instructor& in) { return web::ConnectAction(in); });
+    AskLoop(
+        res, [](Instructor& in) { return web::ConnectAction(in); }, kRemote);
   });
   server.Post("/api/disconnect", [this](const Request&, Response& res) {
-    AskLoop(res, [](Instructor& in) { return web::DisconnectAction(in); });
+    AskLoop(
+        res, [](Instructor& in) { return web::DisconnectAction(in); }, kRemote);
   });
 
   // Pages that read and change the instructor, each through the loop.
   using Action = json (*)(Instructor&, const json&);
-  auto post = [this, &server](const char* path, Action action) {
-    server.Post(path, [this, action](const Request& req, Response& res) {
+  auto post = [this, &server](const char* path, Action action,
+                              Mailbox::Due due = Mailbox::Due::Now) {
+    server.Post(path, [this, action, due](const Request& req, Response& res) {
       auto body = Body(req, res);
       if (!body) return;
-      AskLoop(res, [action, b = std::move(*body)](Instructor& in) { return action(in, b); });
+      AskLoop(
+          res, [action, b = std::move(*body)](Instructor& in) { return action(in, b); }, due);
     });
   };
+  post("/api/key", web::PressKeyAction, kRemote);
   using Page = json (*)(Instructor&);
   auto get = [this, &server](const char* path, Page page) {
     server.Get(path, [this, page](const Request&, Response& res) {
@@ -474,10 +481,10 @@ void WebServer::Routes(httplib::Server& server) {
   post("/api/aircraft/profile", web::SaveProfileAction);
   post("/api/aircraft/monitoring", web::MonitoringAction);
   get("/api/flightplan", web::FlightPlanPage);
-  post("/api/flightplan/upload", web::UploadFlightPlanAction);
-  post("/api/flightplan/load", web::LoadFolderFlightPlanAction);
-  post("/api/flightplan/read", web::ReadSimulatorFlightPlanAction);
-  post("/api/flightplan/clear", web::ClearFlightPlanAction);
+  post("/api/flightplan/upload", web::UploadFlightPlanAction, kRemote);
+  post("/api/flightplan/load", web::LoadFolderFlightPlanAction, kRemote);
+  post("/api/flightplan/read", web::ReadSimulatorFlightPlanAction, kRemote);
+  post("/api/flightplan/clear", web::ClearFlightPlanAction, kRemote);
 
   // The log book: the pilot's files, read here, never written.
   auto pilotFiles = [this](Response& res) -> std::optional<json> {

@@ -96,7 +96,8 @@ class WebServer {
   bool Paired(const httplib::Request& req) const;
   // Runs `question` on the loop thread and answers with its JSON; the
   // question's "status" field, when present, is the HTTP status.
-  void AskLoop(httplib::Response& res, Mailbox::Question question);
+  void AskLoop(httplib::Response& res, Mailbox::Question question,
+               Mailbox::Due due = Mailbox::Due::Now);
   // A recorded flight read back for the plots, kept while its file is unchanged.
   nlohmann::json Flight(const std::string& path);
 
@@ -114,5 +115,10 @@ class WebServer {
 // simulator, aircraft, flight mode, live values, leg, read errors, scores and
 // reports. What the Fly page shows.
 nlohmann::json LiveState(const Instructor& instructor);
+
+// What the app shows that changes slowly, looked at by the web timer: the
+// stamp (size and time) of the pilot's flight log, so that an open Log book
+// page reads it again when a flight has been logged.
+nlohmann::json SlowAppState(const Instructor& instructor);
 
 }  // namespace vantoro

@@ -1,6 +1,8 @@
-#include "cli/replay.h"
+#include "shell/replay.h"
 
 #include "base/registry.h"
+#include "engine/voice_actions.h"
+#include "link/hotkey_table.h"
 #include "shell/startup.h"
 
 namespace vantoro {
@@ -28,8 +30,7 @@ Replay::Replay(const ReplaySetup& setup, Events& events)
   start.OpenAircraftData();
   if (!setup.logFolder.empty()) start.OpenLogFolder(setup.logFolder);
   notices_ = start.notices();
-  for (const Notice& n : notices_)
-    events_.Emit(0, "notice", {{"text", NoticeText(n)}, {"file", n.file}});
+  for (const Notice& n : notices_) events_.Emit(NoticeEvent(0, n));
 }
 
 void Replay::Step(const RecordingStep& step) {
@@ -38,9 +39,14 @@ void Replay::Step(const RecordingStep& step) {
     return;
   }
   const StepEffect effect = ApplyStep(step, image_, clock_);
-  // The pressed key acts in the next tick, as a spoken command would.
-  if (effect.key != 0) instructor_->flight.VoiceAction = effect.key;
-  if (effect.phrase != nullptr) phrases_.push_back(*effect.phrase);
+  // The key is pressed inside the simulator: the next tick reads its hit
+  // marker. A key not registered yet acts as if asked for by voice.
+  if (effect.key != 0 && !PressHotKeyEntry(image_, HotKeyCode(effect.key)))
+    instructor_->PressHotKey(effect.key);
+  if (effect.phrase != nullptr) {
+    phrases_.push_back(*effect.phrase);
+    instructor_->HearPhrase(*effect.phrase);
+  }
 }
 
 void Replay::OneTick() {

@@ -56,8 +56,8 @@ class Replay {
   // The pilot file named could not be read.
   bool PilotFailed() const { return pilotFailed_; }
   OffsetImage& image() { return image_; }
-  // The phrases the pilot spoke, in order. Voice commands are not part of the
-  // instructor yet, so they are kept here, each before the tick it precedes.
+  // The phrases the pilot spoke, in order; each was heard by the instructor
+  // before the tick it precedes.
   const std::vector<std::string>& Phrases() const { return phrases_; }
   // One directive of the recording; hosts that pace the flight themselves
   // (the live app's stand-in, the plots of a recorded flight) feed ticks
