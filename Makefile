@@ -9,7 +9,7 @@ JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
 CLI        := $(BUILD)/src/cli/vantoro-cli
 DEMO_OUT   ?= demo-output
 
-.PHONY: all setup build test test-main test-asan test-windows release-windows demo voices bench format clean screenshots
+.PHONY: all setup build test test-main test-asan test-windows release-windows test-flightgear demo voices bench format clean screenshots
 
 all: build
 
@@ -57,6 +57,14 @@ release-windows: setup build voices $(WIN_BUILD)/CMakeCache.txt
 	bash scripts/release-windows.sh $(WIN_BUILD)
 
 test: test-main test-asan test-windows
+
+# A real FlightGear take-off, recorded through the FlightGear link and replayed
+# through the instructor. Not part of `make test`: Debian's FlightGear brings
+# 1.3 GB of data (about 20 minutes to fetch and unpack here), and its first
+# start builds a navigation cache for minutes more.
+test-flightgear: build voices
+	command -v /usr/games/fgfs >/dev/null || DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends flightgear xvfb
+	cd $(BUILD) && VANTORO_FLIGHTGEAR=1 ctest --output-on-failure -R '^flightgear_flight$$'
 
 # The instructors' voice packs, rendered from data/text/english.txt into
 # data/Sound (files already up to date are skipped).

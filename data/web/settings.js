@@ -37,6 +37,13 @@ function build(p) {
   const phrases = document.getElementById('lstVoiceCommand');
   phrases.replaceChildren(...(p.voicePhrases || []).map(list => el('li', {}, list.join(', '))));
   document.getElementById('TransitionAltitude').onchange = e => setting('TransitionAltitude', e.target.value);
+  const simNames = {'': 'The computer\'s own (FSUIPC on Windows)', fsuipc: 'FSUIPC (Windows)',
+    flightgear: 'FlightGear', xplane: 'X-Plane 11 or 12'};
+  const sim = document.getElementById('Simulator');
+  p.simulators.forEach(n => sim.append(el('option', {value: n}, simNames[n] || n)));
+  sim.onchange = e => setting('Simulator', e.target.value);
+  for (const k of ['SimulatorHost', 'SimulatorPort'])
+    document.getElementById(k).onchange = e => setting(k, e.target.value.trim());
   for (const k of ['LoadFSXPlanOnConnect', 'GPSOverridesFlightPlan'])
     document.getElementById(k).onchange = e => setting(k, e.target.checked);
   for (let i = 0; i < 4; i++) {
@@ -64,6 +71,8 @@ function render(p) {
   document.getElementById('GPSOverridesFlightPlan').checked = s.GPSOverridesFlightPlan;
   s.SpokenTips.forEach((on, i) => { document.getElementById('tip' + i).checked = on; });
   document.getElementById('VoiceMode').value = String(s.VoiceMode);
+  for (const k of ['Simulator', 'SimulatorHost', 'SimulatorPort'])
+    document.getElementById(k).value = s[k];
   const list = document.getElementById('lstSoundCard');
   list.replaceChildren(...p.soundDevices.map((d, i) => el('option', {value: String(i)}, d)));
   if (p.soundDevices.length === 0) list.append(el('option', {value: ''}, 'No sound devices found'));

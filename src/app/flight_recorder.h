@@ -47,6 +47,9 @@ class TapLink final : public SimLink {
   bool Process(int& result) override;
   uint32_t FsVersion() const override { return inner_.FsVersion(); }
   uint32_t FsId() const override { return inner_.FsId(); }
+  std::string Problem() const override { return inner_.Problem(); }
+  std::string DisplayName() const override { return inner_.DisplayName(); }
+  std::vector<std::string> TakeNotices() override { return inner_.TakeNotices(); }
 
   // What the reads have brought back so far.
   const OffsetImage& Image() const { return image_; }

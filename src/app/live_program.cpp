@@ -227,6 +227,14 @@ void LiveProgram::PollTick(Instructor& in) {
   // recording says so before the tick.
   const int pressedKey = in.flight.VoiceAction;
   in.Tick();
+  // What the simulator could not do of the instructor's writes is told once,
+  // on the status line and as a notice.
+  if (!parts_.recording && parts_.sim)
+    for (const std::string& text : parts_.sim->TakeNotices()) {
+      in.flight.Status = text;
+      events_.Emit(in.flight.TickCount, "status", {{"text", text}});
+      Note(text);
+    }
   FollowVoiceMode(in);
   if (parts_.recording) parts_.recording->AfterTick();
   if (recorder_)

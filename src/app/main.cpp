@@ -15,9 +15,14 @@
 #include "app/live_program.h"
 #include "app/platform.h"
 #include "app/web/web_server.h"
-#include "link/platform_link.h"
+#include "base/files.h"
+#include "base/ini.h"
+#include "base/numbers.h"
+#include "link/flightgear_protocol.h"
 #include "link/recording.h"
+#include "link/sim_choice.h"
 #include "shell/program_folder.h"
+#include "shell/settings.h"
 
 namespace vantoro {
 namespace {
@@ -35,6 +40,8 @@ struct Options {
   bool noBrowser = false;
   std::string replay;
   std::string sim;
+  std::string simHost;
+  int simPort = 0;
   std::string pilot;
 };
 
@@ -53,21 +60,25 @@ class ConsoleEvents final : public Events {
   using Events::Emit;
 };
 
-// The simulator link --sim names. Only the offset server's link exists, and
-// only on Windows; the others are not written yet.
-std::unique_ptr<SimLink> SimulatorLink(const std::string& name, std::string& error) {
-#ifdef _WIN32
-  if (name.empty() || name == "fsuipc") return MakePlatformLink();
-#else
-  if (name.empty()) return MakePlatformLink();
-  if (name == "fsuipc") {
-    error = "--sim fsuipc: the offset server's link exists only on Windows";
-    return nullptr;
+// The simulator link: --sim and its host and port, else the settings' choice.
+// FlightGear needs its protocol definition in its own data folder: it is put
+// there (or the pilot is told how) before the link listens.
+std::unique_ptr<SimLink> SimulatorLink(const Options& o, const std::string& root,
+                                       std::string& error) {
+  SimChoice choice{o.sim, o.simHost, o.simPort};
+  if (choice.name.empty()) {
+    Settings settings;
+    if (const auto text = TryReadFile(SettingsPath(root)))
+      ReadSettings(ParseINIText(*text, true), settings);
+    choice.name = settings.Simulator;
+    if (choice.host.empty()) choice.host = settings.SimulatorHost;
+    if (choice.port == 0)
+      if (const auto port = INIValueNumber(settings.SimulatorPort)) choice.port = CLng(*port);
   }
-#endif
-  error = "--sim " + name + ": there is no link to " + name +
-          " yet; fly a recording with --replay FILE";
-  return nullptr;
+  if (choice.name == "flightgear")
+    std::cout << InstallFlightGearProtocol(FlightGearProtocolXml(), FlightGearDataFolders())
+              << std::endl;
+  return MakeSimulatorLink(choice, error);
 }
 
 int Main(int argc, char** argv) {
@@ -94,6 +105,14 @@ int Main(int argc, char** argv) {
   cli.add_option("--sim", o.sim, "the simulator link: fsuipc (Windows), flightgear, xplane")
       ->option_text("NAME")
       ->check(CLI::IsMember({"fsuipc", "flightgear", "xplane"}));
+  cli.add_option("--sim-host", o.simHost,
+                 "where the simulator runs (X-Plane; FlightGear's property server), default "
+                 "this computer")
+      ->option_text("HOST");
+  cli.add_option("--sim-port", o.simPort,
+                 "the simulator's port: FlightGear's data port (5500), X-Plane's (49000)")
+      ->option_text("N")
+      ->check(CLI::Range(1, 65535));
   cli.footer(
       "Each live flight is recorded beside the pilot's log (PilotRoster/NAME DATE.vrec.gz).\n"
       "Ctrl+C ends the program; the flight's files are closed first.");
@@ -121,13 +140,6 @@ int Main(int argc, char** argv) {
     }
     parts.recording = std::make_unique<RecordingFeed>(std::move(recording));
     parts.record = false;
-  } else {
-    std::string error;
-    parts.sim = SimulatorLink(o.sim, error);
-    if (!parts.sim) {
-      std::cerr << "vantoro: " << error << '\n';
-      return kExitUsage;
-    }
   }
 
   std::string root = o.root;
@@ -142,6 +154,15 @@ int Main(int argc, char** argv) {
   } else if (std::error_code ec; !std::filesystem::is_directory(root, ec)) {
     std::cerr << "vantoro: no data root folder at " << root << '\n';
     return kExitUsage;
+  }
+
+  if (!parts.recording) {
+    std::string error;
+    parts.sim = SimulatorLink(o, root, error);
+    if (!parts.sim) {
+      std::cerr << "vantoro: " << error << '\n';
+      return kExitUsage;
+    }
   }
 
   std::string pilot;

@@ -1,6 +1,7 @@
-// vantoro-cli record OUT.vrec[.gz] [--ticks N] [--root DIR]
+// vantoro-cli record OUT.vrec[.gz] [--ticks N] [--root DIR] [--sim NAME]
 // Records the simulator's offsets twice a second through the platform's live
-// link. Where no simulator can be linked to, the link's own text says so.
+// link, or FlightGear's or X-Plane's. Where no simulator can be linked to, the link's own text says
+// so.
 #include "cli/record_cmd.h"
 
 #include <CLI/CLI.hpp>
@@ -14,8 +15,8 @@
 #include "base/gzip.h"
 #include "base/text.h"
 #include "cli/commands.h"
-#include "link/platform_link.h"
 #include "link/recording.h"
+#include "link/sim_choice.h"
 #include "shell/startup.h"
 
 namespace vantoro {
@@ -23,6 +24,7 @@ namespace vantoro {
 namespace {
 
 constexpr auto kTickPeriod = std::chrono::milliseconds(500);
+constexpr int kSimulatorWaitTries = 20;
 
 // Ctrl+C asks the recording to end at the next tick. A signal handler can
 // reach nothing else than a flag of the process.
@@ -38,7 +40,8 @@ int RecordLive(SimLink& link, const Clock& clock, const std::string& out,
                const RecordPacing& pacing, std::ostream& err) {
   int result = kLinkOk;
   if (!link.Open(0, result)) {
-    err << "vantoro-cli record: " << LinkResultText(result) << '\n';
+    err << "vantoro-cli record: "
+        << (link.Problem().empty() ? LinkResultText(result) : link.Problem()) << '\n';
     return kExitBadInput;
   }
   const std::string part = out + ".part";
@@ -100,6 +103,7 @@ int RecordCommand(const CommandArgs& args, CliContext& cli) {
   std::string out;
   std::string root;
   int64_t ticks = 0;
+  SimChoice sim;
   CLI::App app("Records the simulator's offsets twice a second until Ctrl+C.",
                "vantoro-cli record");
   app.add_option("OUT", out, "the recording to write (.vrec, or .vrec.gz compressed)")->required();
@@ -112,6 +116,11 @@ int RecordCommand(const CommandArgs& args, CliContext& cli) {
                        : "needs a whole number above 0";
           },
           "N", "ticks"));
+  app.add_option("--sim", sim.name, "the simulator link: fsuipc (Windows), flightgear, xplane")
+      ->check(CLI::IsMember({"fsuipc", "flightgear", "xplane"}));
+  app.add_option("--sim-host", sim.host, "where the simulator runs (default this computer)");
+  app.add_option("--sim-port", sim.port, "the simulator's port (FlightGear 5500, X-Plane 49000)")
+      ->check(CLI::Range(1, 65535));
   app.add_option("--root", root,
                  "program root folder (default: the data folder beside the program)");
   int parsed = kExitOk;
@@ -129,7 +138,20 @@ int RecordCommand(const CommandArgs& args, CliContext& cli) {
       cli.err << "vantoro-cli record: " << NoticeText(n) << '\n';
   }
 
-  std::unique_ptr<SimLink> link = MakePlatformLink();
+  std::string error;
+  std::unique_ptr<SimLink> link = MakeSimulatorLink(sim, error);
+  if (!link) {
+    cli.err << "vantoro-cli record: " << error << '\n';
+    return kExitBadInput;
+  }
+  // A simulator that streams its state is heard only once its packets come:
+  // it is given a few seconds before the recording starts.
+  if (sim.name == "flightgear" || sim.name == "xplane") {
+    int result = kLinkOk;
+    for (int i = 0; i < kSimulatorWaitTries && !link->Open(0, result); ++i)
+      std::this_thread::sleep_for(kTickPeriod);
+    link->Close();
+  }
   SystemClock clock;
   stopAsked = 0;
   std::signal(SIGINT, AskToStop);

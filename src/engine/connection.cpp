@@ -111,7 +111,9 @@ bool FSConnect(Cockpit& c) {
   const bool p3d = c.options.P3DMode;
   int result = kLinkOk;
   if (!c.sim.Open(0, result)) {
-    if (result == kLinkNoServer) {
+    if (const std::string problem = c.sim.Problem(); !problem.empty()) {
+      SetStatus(c, "Can't Connect - " + problem);
+    } else if (result == kLinkNoServer) {
       SetStatus(c, p3d ? "Status: No P3D Found" : "Status: No Flight Simulator Found");
     } else {
       SetStatus(c, std::string("Can't Connect - ") + LinkResultText(result));
@@ -144,7 +146,10 @@ bool FSConnect(Cockpit& c) {
   // The decoder warms up afresh with every link: a flight reloaded in a
   // restarted simulator is placed before its jumps count.
   c.link.WarmUpTicks = 0;
-  SetStatus(c, "Status: Monitoring " + f.SimulatorName + "       [Vantoro v" VANTORO_VERSION "]");
+  // A simulator reached through its own protocol is named as itself, while
+  // the rules go on knowing it as the simulator it stands in for.
+  const std::string shown = c.sim.DisplayName().empty() ? f.SimulatorName : c.sim.DisplayName();
+  SetStatus(c, "Status: Monitoring " + shown + "       [Vantoro v" VANTORO_VERSION "]");
   // A pilot who pressed Connect before the simulator ran gets its world now.
   if (f.UserConnected) LoadWorldWhenEmpty(c);
   return true;
@@ -244,7 +249,8 @@ void AutoDisconnect(Cockpit& c, std::string_view cause) {
 
 void LinkFailure(Cockpit& c, std::string_view words, int result) {
   FlightState& f = c.flight;
-  f.Stats.LinkStatus = std::string(words) + LinkResultText(result);
+  const std::string problem = c.sim.Problem();
+  f.Stats.LinkStatus = std::string(words) + (problem.empty() ? LinkResultText(result) : problem);
   f.ReadErrors += 1;
   f.Stats.ReadErrors = f.ReadErrors;
 }

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "base/events.h"
 
@@ -64,6 +65,16 @@ class SimLink {
   // The two words read at open: server version and simulator id (low word).
   virtual uint32_t FsVersion() const = 0;
   virtual uint32_t FsId() const = 0;
+
+  // A link to a simulator without an offset interface tells its own words:
+  // why the last Open or Process failed ("no data from FlightGear on port
+  // 5500"), empty when the result code says it all;
+  virtual std::string Problem() const { return {}; }
+  // the simulator's name for the status line, empty to take it from FsId;
+  virtual std::string DisplayName() const { return {}; }
+  // and what it could not do, each thing once ("FlightGear has no ..."),
+  // handed over once and forgotten.
+  virtual std::vector<std::string> TakeNotices() { return {}; }
 };
 
 // A write of the instructor to the simulator (radio tuning, failures, OBS...):

@@ -51,7 +51,7 @@ const std::array<PilotField, 31> kPilotFields = {{
     {"auto tune setup", "AutoTuneVOR", R::Box, &P::AutoTuneVOR},
 }};
 
-const std::array<SettingsField, 16> kSettingsFields = {{
+const std::array<SettingsField, 19> kSettingsFields = {{
     {"FS Folders", "P3D", R::Folder, &S::FSXFolder, 0, 0, FieldBuild::P3D},
     {"FS Folders", "FS2002", R::Folder, &S::FS2002Folder, 0, 0, FieldBuild::FS},
     {"FS Folders", "FS2004", R::Folder, &S::FS2004Folder, 0, 0, FieldBuild::FS},
@@ -70,6 +70,9 @@ const std::array<SettingsField, 16> kSettingsFields = {{
     {"Misc", "ReminderInterval", R::Number, &S::ReminderInterval, kShortestReminderInterval,
      kLongestReminderInterval},
     {"Voice", "Mode", R::ListIndex, &S::VoiceMode, 0, static_cast<int32_t>(kVoiceModes.size()) - 1},
+    {"Simulator", "Link", R::Text, &S::Simulator, 0, 0, FieldBuild::WhenSet},
+    {"Simulator", "Host", R::Text, &S::SimulatorHost, 0, 0, FieldBuild::WhenSet},
+    {"Simulator", "Port", R::NumberText, &S::SimulatorPort, 0, 0, FieldBuild::WhenSet},
 }};
 
 template <class Record>
@@ -78,7 +81,8 @@ bool Present(const OptionField<Record>&, const Record&) {
 }
 
 bool Present(const SettingsField& f, const Settings& s) {
-  return f.build == FieldBuild::Any || (f.build == FieldBuild::P3D) == s.P3DMode;
+  return f.build == FieldBuild::Any || f.build == FieldBuild::WhenSet ||
+         (f.build == FieldBuild::P3D) == s.P3DMode;
 }
 
 template <class Record>
@@ -87,6 +91,7 @@ std::string Compose(std::span<const OptionField<Record>> fields, const Record& r
   std::string_view section;
   for (const OptionField<Record>& f : fields) {
     if (!Present(f, record)) continue;
+    if (f.build == FieldBuild::WhenSet && FieldValue(f, record).empty()) continue;
     if (f.section != section) {
       if (!out.empty()) out += "\r\n";
       out += "[" + std::string(f.section) + "]\r\n";

@@ -34,7 +34,8 @@ enum class FieldRule {
 };
 
 // Which build of the settings page writes and reads a row.
-enum class FieldBuild { Any, P3D, FS };
+// WhenSet rows are read always and written only when they hold a value.
+enum class FieldBuild { Any, P3D, FS, WhenSet };
 
 template <class Record>
 struct OptionField {

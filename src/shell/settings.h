@@ -53,6 +53,12 @@ struct Settings {
   // How persistently the autopilot-mode and flaps-up reminders of the
   // aircraft procedures repeat (EngineOptions::ReminderInterval).
   int32_t ReminderInterval = kDefaultReminderInterval;
+  // The simulator link ("fsuipc", "flightgear", "xplane"; empty for the
+  // platform's own) and where the simulator runs (empty: this machine, its
+  // usual port). Written only when chosen.
+  std::string Simulator;
+  std::string SimulatorHost;
+  std::string SimulatorPort;
 
   bool operator==(const Settings&) const = default;
 };

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "base/files.h"
-#include "cli/replay.h"
+#include "shell/replay.h"
 #include "link/recording.h"
 #include "records/flight_log.h"
 #include "support/scenario.h"

@@ -71,6 +71,23 @@ TEST(SettingsFile, WrittenByteForByte) {
   EXPECT_EQ(ComposeSettings(p3d), "[FS Folders]\r\nP3D=\r\nFlightPlan=\r\n" + misc);
 }
 
+// The simulator the pilot chose is written after the other sections, and
+// only once chosen: a file of a pilot who never chose reads as before.
+TEST(SettingsFile, SimulatorChoiceWrittenOnlyWhenMade) {
+  Settings s;
+  EXPECT_EQ(ComposeSettings(s).find("[Simulator]"), std::string::npos);
+  s.Simulator = "xplane";
+  s.SimulatorHost = "192.168.1.20";
+  s.SimulatorPort = "49000";
+  const std::string text = ComposeSettings(s);
+  EXPECT_TRUE(
+      text.ends_with("[Voice]\r\nMode=0\r\n\r\n[Simulator]\r\nLink=xplane\r\nHost=192.168.1.20\r\n"
+                     "Port=49000\r\n"));
+  Settings read;
+  ReadSettings(ParseINIText(text, true), read);
+  EXPECT_EQ(read, s);
+}
+
 // Each key is honoured by its own rule; what is not honoured leaves the box.
 TEST(SettingsFile, KeysHonouredByTheirRules) {
   struct Case {

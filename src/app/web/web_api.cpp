@@ -459,7 +459,13 @@ json SettingsPage(Instructor& in) {
   set["GPSOverridesFlightPlan"] = s.GPSOverridesFlightPlan;
   set["SpokenTips"] = {s.SpokenTips, s.AviationTips, s.InstantHelp, s.TaxiwayTips};
   set["VoiceMode"] = s.VoiceMode;
+  set["Simulator"] = s.Simulator;
+  set["SimulatorHost"] = s.SimulatorHost;
+  set["SimulatorPort"] = s.SimulatorPort;
   j["settings"] = set;
+  // The simulator links the pilot can choose; the change is flown from the
+  // next start of the program.
+  j["simulators"] = {"", "fsuipc", "flightgear", "xplane"};
   j["endFlightLabels"] = kEndFlightLabels;
   j["endFlightTips"] = kEndFlightTips;
   j["voiceModes"] = kVoiceModes;
@@ -524,6 +530,20 @@ json EditSettings(Instructor& in, const json& body) {
         if (good)
           (k == "LoadFSXPlanOnConnect" ? s.LoadFSXPlanOnConnect : s.GPSOverridesFlightPlan) =
               v.get<bool>();
+      } else if (k == "Simulator") {
+        good = v.is_string() && (v == "" || v == "fsuipc" || v == "flightgear" || v == "xplane") &&
+               text(s.Simulator);
+      } else if (k == "SimulatorHost") {
+        good = v.is_string() &&
+               v.get<std::string>().find_first_of(" ;,\"\t") == std::string::npos &&
+               text(s.SimulatorHost);
+      } else if (k == "SimulatorPort") {
+        // Empty for the simulator's usual port, else a whole number 1..65535.
+        const double port =
+            v.is_string() ? INIValueNumber(v.get<std::string>()).value_or(0.0) : 0.0;
+        good = v.is_string() &&
+               (v == "" || (port >= 1 && port <= 65535 && port == static_cast<int>(port))) &&
+               text(s.SimulatorPort);
       } else if (k == "SpokenTips") {
         // The four boxes of spoken tips, in the order the page shows them.
         bool* const boxes[] = {&s.SpokenTips, &s.AviationTips, &s.InstantHelp, &s.TaxiwayTips};
