@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "engine/voice_actions.h"
-#include "link/hotkey_table.h"
 #include "shell/instructor.h"
 
 namespace vantoro {
@@ -28,11 +27,10 @@ bool RecordingFeed::BeforeTick(Instructor& instructor) {
       ++served_;
       return true;
     }
-    // A key is pressed inside the simulator (a key not registered yet acts
-    // as if asked for by voice); a phrase is heard by the instructor.
+    // A key is pressed as the app presses it, as in replay; a phrase is
+    // heard by the instructor.
     const StepEffect effect = ApplyStep(step, image_, clock_);
-    if (effect.key != 0 && !PressHotKeyEntry(image_, HotKeyCode(effect.key)))
-      instructor.PressHotKey(effect.key);
+    if (effect.key != 0) instructor.PressHotKey(effect.key);
     if (effect.phrase != nullptr) instructor.HearPhrase(*effect.phrase);
   }
   return false;

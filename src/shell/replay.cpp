@@ -2,7 +2,6 @@
 
 #include "base/registry.h"
 #include "engine/voice_actions.h"
-#include "link/hotkey_table.h"
 #include "shell/startup.h"
 
 namespace vantoro {
@@ -39,10 +38,10 @@ void Replay::Step(const RecordingStep& step) {
     return;
   }
   const StepEffect effect = ApplyStep(step, image_, clock_);
-  // The key is pressed inside the simulator: the next tick reads its hit
-  // marker. A key not registered yet acts as if asked for by voice.
-  if (effect.key != 0 && !PressHotKeyEntry(image_, HotKeyCode(effect.key)))
-    instructor_->PressHotKey(effect.key);
+  // A recording's key is one the pilot pressed in the app (a key pressed in
+  // the simulator is in the offsets read): it is pressed as the app presses
+  // it, so that the replay of a live flight does what the flight did.
+  if (effect.key != 0) instructor_->PressHotKey(effect.key);
   if (effect.phrase != nullptr) {
     phrases_.push_back(*effect.phrase);
     instructor_->HearPhrase(*effect.phrase);
