@@ -10,6 +10,7 @@
 
 #include "base/numbers.h"
 #include "base/text.h"
+#include "engine/checklists.h"
 #include "engine/navigation.h"
 #include "engine/tick_rules.h"
 #include "link/hotkey_table.h"
@@ -467,7 +468,7 @@ void VoiceHotKeyAction(Cockpit& c) {
                        CloudLayer{now.CloudHighBase, now.CloudHighBase, now.CloudHighCover});
       break;
     case 117:
-      // The last check list is repeated here by the check lists.
+      RepeatLastCheckList(c);
       break;
     case 118:
       c.sound.Muted = true;
