@@ -182,7 +182,8 @@ std::vector<uint8_t> DrefPacket(float value, std::string_view dataref) {
 
 std::vector<uint8_t> CmndPacket(std::string_view command) {
   std::vector<uint8_t> out = Header("CMND");
-  out.insert(out.end(), command.begin(), command.end());
+  out.reserve(out.size() + command.size() + 1);
+  for (char ch : command) out.push_back(static_cast<uint8_t>(ch));
   out.push_back(0);
   return out;
 }
