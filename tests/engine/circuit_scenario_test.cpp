@@ -10,9 +10,9 @@
 #include <vector>
 
 #include "base/files.h"
-#include "shell/replay.h"
 #include "link/recording.h"
 #include "records/flight_log.h"
+#include "shell/replay.h"
 #include "support/scenario.h"
 
 namespace vantoro {
