@@ -4,7 +4,7 @@
 
 #include "base/files.h"
 #include "base/numbers.h"
-#include "engine/flight_rig.h"
+#include "engine/rule_bench.h"
 #include "world/runway_queries.h"
 #include "world/runways.h"
 
@@ -40,13 +40,8 @@ Place OnRunwayAxis(double miles, double feetNorth = 0) {
 // The approach monitors on the bench, called one by one on records the test
 // writes: connected, tick 1001, in Landing at 1500 feet with gear and flaps
 // down, a light single with stall 50 knots in landing configuration.
-struct Bench {
-  FlightRig rig;
-  ScriptedRandom random;
-
+struct Bench : RuleBench {
   Bench() {
-    rig.instructor.Connect();
-    flight().TickCount = 1001;
     flight().Modes = {.Landing = true};
     approach().PreviousLanding = true;
     AircraftValues& a = rig.instructor.aircraft;
@@ -63,10 +58,6 @@ struct Bench {
     }
     rig.Mark();
   }
-  Cockpit c() { return WithRandom(rig.instructor.cockpit(), random); }
-  FSData& now() { return rig.instructor.link.Now(); }
-  FSData& before() { return rig.instructor.link.Records[rig.instructor.link.PreviousRecord]; }
-  FlightState& flight() { return rig.instructor.flight; }
   ApproachState& approach() { return rig.instructor.flight.approach; }
   ApproachRatings& ratings() { return rig.instructor.approach; }
   AircraftValues& aircraft() { return rig.instructor.aircraft; }
@@ -89,10 +80,6 @@ struct Bench {
     rig.instructor.options.AutoTuneILS = true;
     Descend(agl, agl);
     now().Nav1Freq = 113.9;
-  }
-  void Type(AircraftType t) {
-    aircraft().Is[static_cast<size_t>(t)] = true;
-    aircraft().Monitoring.Boeing[static_cast<size_t>(MainBox(t))] = true;
   }
   // What the pilot got, in order: files queued, remarks ([1] amber, [2] red),
   // counters raised (+name), simulator writes and messages ('text').
