@@ -70,10 +70,10 @@ struct FSData {
   double TotalWeight{};      // aircraft value used by the jet rules
   std::string AirFile;       // full path of the simulator's current aircraft file
   std::string FlightFile;    // name of the current flight file
-  int32_t
-      FlapsLeft{};  // left flap position, tenths of a degree, raw; above 255 counts as flaps out
-  int32_t IAS{};    // indicated airspeed, knots: CLng(raw / 128)
-  int32_t VS{};     // vertical speed, feet per minute, climb positive: CLng(-raw x 3.28084)
+  int32_t FlapsLeft{};  // left flap position, degrees x 256, raw; above 255 (one degree) counts as
+                        // flaps out
+  int32_t IAS{};        // indicated airspeed, knots: CLng(raw / 128)
+  int32_t VS{};         // vertical speed, feet per minute, climb positive: CLng(-raw x 3.28084)
   int32_t APHeadingBug{};      // autopilot heading bug, degrees: CLng(raw / 182)
   int32_t Heading{};           // magnetic heading: TrueHeading - MagVar, 360 added if negative
   double AGL{};                // height above the ground, feet: raw x 3.281

@@ -16,6 +16,8 @@ constexpr double kKnotsPerMetrePerSecond = 1.943844;
 // The flaps lever at full travel, and the lever's word there.
 constexpr double kFullFlapsDegrees = 40.0;
 constexpr double kFullFlapsWord = 16383;
+// The flap indicators (0x30F0, 0x30F4) read degrees x 256.
+constexpr double kFlapIndicatorPerDegree = 256;
 constexpr uint64_t kGearDownWord = 16383;
 constexpr uint64_t kStandardPressure = 16212;  // 1013.25 hPa x 16
 constexpr uint64_t kTenMilesVisibility = 1000;
@@ -141,8 +143,8 @@ void EncodeAircraft(const FlownAircraft& a, OffsetSink& out) {
   out.I16(0x11BA, Round(625.0 / std::cos(a.bank * kPi / 180.0)));
   out.U32(0x281C, a.battery ? 1 : 0);
   out.U32(0x2E80, a.avionics ? 1 : 0);
-  out.U16(0x30F0, Round(a.flaps * 10));
-  out.U16(0x30F4, Round(a.flaps * 10));
+  out.U16(0x30F0, Round(a.flaps * kFlapIndicatorPerDegree));
+  out.U16(0x30F4, Round(a.flaps * kFlapIndicatorPerDegree));
   out.U32(0x31E4, Round(a.height / kFeetPerMetre * 65536.0));
   out.I32(0x3324, Round(a.fieldElevation + a.height));
   out.U8(0x3364, 0);

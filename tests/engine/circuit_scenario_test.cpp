@@ -29,13 +29,13 @@ std::string Replace(std::string text, const std::string& from, const std::string
 
 // The demo's script with the circuit asked for: at the holding point the
 // pilot taxis up the runway to where he will touch down, presses the circuit
-// key there, and back-tracks to the threshold for the take-off.
+// key there, and back-tracks to the threshold for his run-up and take-off.
 std::string CircuitScript() {
   std::string script = ReadFile(testing::DataRoot() + "/Recordings/demo-c172-circuit.flight");
-  script = Replace(script, "# Checks at the holding point.\nwait for 20\n",
+  script = Replace(script, "# Checks at the holding point",
                    "taxi speed 10 heading 10.7 for 92\nstop\nkey 10\nwait for 4\n"
                    "turn to 190.7 right speed 6\ntaxi speed 10 for 88\nturn to 10.7 right "
-                   "speed 6\nstop\nwait for 20\n");
+                   "speed 6\nstop\n# Checks at the holding point");
   return script;
 }
 
@@ -99,35 +99,38 @@ TEST(CircuitScenario, TheDemoCircuitIsFlownAndScored) {
   ASSERT_EQ(landings.size(), 1u);
   const std::string report = landings[0].Text("report");
   // The circuit stands: landed 42 (short) feet from where the key was
-  // pressed, every leg long enough; what was flown poorly costs its points,
-  // and with no localiser the base leg counts as late throughout.
+  // pressed, every leg long enough; what was flown poorly costs its points:
+  // the turn onto base comes a second after the reference point is 45
+  // degrees behind, and with no localiser the base leg counts as late
+  // throughout.
   for (const char* line :
-       {"Circuit Score:71.74", "* Poor Upwind heading - maintain runway heading.",
+       {"Circuit Score:64.74", "* Poor Upwind heading - maintain runway heading.",
         "* Poor Crosswind heading - fly at 90 degrees to the runway.",
-        "* Poor Downwind altitude - maintain 1000 feet AAL.", "* Good turn onto Base.",
+        "* Poor Downwind altitude - maintain 1000 feet AAL.",
+        "* Late turn onto Base - turn when circuit reference point is 45 degrees behind you.",
         "* Late on Final - get onto final sooner next time.", "* Banking not too steep.",
         "* Landing distance from Circuit reference point:42 feet."})
     EXPECT_NE(report.find(line), std::string::npos) << line << "\n" << report;
   const std::vector<Event> flights = flight.OfType("flight");
   ASSERT_EQ(flights.size(), 1u);
   const double circuit = std::get<double>(*flights[0].Find("circuit"));
-  EXPECT_DOUBLE_EQ(circuit, 71.74);
+  EXPECT_DOUBLE_EQ(circuit, 64.74);
 
   const std::vector<Event> rows = flight.OfType("log");
   ASSERT_EQ(rows.size(), 1u);
   const std::string row = rows[0].Text("row");
   const std::vector<std::pair<const char*, const char*>> columns = {
-      {"CircuitScore", "71.74"},
-      {"CircuitDurationUpWind", "90"},
-      {"CircuitDurationCrossWind", "77"},
+      {"CircuitScore", "64.74"},
+      {"CircuitDurationUpWind", "88"},
+      {"CircuitDurationCrossWind", "81"},
       {"CircuitDurationDownWind", "129"},
-      {"CircuitDurationBase", "89"},
-      {"CircuitDurationFinal", "124"},
+      {"CircuitDurationBase", "85"},
+      {"CircuitDurationFinal", "126"},
       {"CircuitBadHeadingUpWind", "26"},
-      {"CircuitBadHeadingCrossWind", "20"},
+      {"CircuitBadHeadingCrossWind", "21"},
       {"CircuitBadAltitudeDownWind", "19"},
-      {"CircuitBadTimingDownWind", "0"},
-      {"CircuitBadTimingBase", "60"},
+      {"CircuitBadTimingDownWind", "2"},
+      {"CircuitBadTimingBase", "56"},
       {"CircuitBadBankAngle", "0"}};
   for (const auto& [name, value] : columns) EXPECT_EQ(Column(row, name), value) << name;
   fs::remove_all(dir);
