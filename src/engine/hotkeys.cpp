@@ -1,8 +1,11 @@
 // The pilot's hot keys in the tick: the pressed keys act in their fixed order.
+#include <cmath>
+
 #include "base/text.h"
 #include "engine/checklists.h"
 #include "engine/circuit.h"
 #include "engine/tick_rules.h"
+#include "engine/voice_actions.h"
 #include "records/flight_stats.h"
 #include "voice/phrases.h"
 
@@ -14,17 +17,21 @@ constexpr int kMicMessageSeconds = 2;
 constexpr int kWhichCheckListSeconds = 8;
 constexpr int kDisplayDataSeconds = 8;
 
-// Key 11: the pilot errors so far, the height, the ground's elevation and the
-// list the checklist key would read.
+// Key 11: the pilot errors so far, the height, the ground's elevation, the
+// fuel range of the two smallest Cessnas and the list the checklist key
+// would read.
 void ShowWhichCheckList(Cockpit& c) {
   const FSData& now = c.link.Now();
   const std::string height =
       now.OnGround > 0 ? std::string("On Ground") : std::to_string(static_cast<int>(now.AGL));
+  std::string range;
+  if (c.aircraft.WantType(AircraftType::C172) || c.aircraft.WantType(AircraftType::C152))
+    range = " Range:" + std::to_string(std::lround(FuelRangeMiles(c.link, now))) + " NM";
   ShowMessage(
       c,
       ProcessNextCheckList(
           c, "PilotErrors:" + std::to_string(FlightPPScore(c.flight.Flight())) + "  AGL:" + height +
-                 "  GrndAlt:" + std::to_string(now.GroundAltitude) + "   Checklist Key: "),
+                 "  GrndAlt:" + std::to_string(now.GroundAltitude) + range + "   Checklist Key: "),
       kWhichCheckListSeconds);
 }
 

@@ -280,6 +280,11 @@ void NextRunway(Cockpit& c, Voice& v) {
 
 }  // namespace
 
+double FuelRangeMiles(const LinkState& link, const FSData& now) {
+  const double pph = FuelFlowPPH(link, now);
+  return pph > 0 ? now.FuelGallonsWeight / pph * now.GS : 0;
+}
+
 uint16_t HotKeyCode(int slot) {
   return kHotKeyCodes[static_cast<size_t>(slot)];
 }
@@ -598,13 +603,10 @@ void VoiceHotKeyAction(Cockpit& c) {
       }
       SayFuel(c, v, FuelFlowPPH(c.link, now) * FlightplanRemainder(c.plan, now) / now.GS);
       break;
-    case 156: {
-      const double hours =
-          FuelFlowPPH(c.link, now) > 0 ? now.FuelGallonsWeight / FuelFlowPPH(c.link, now) : 0;
-      SayDigits(v, hours * now.GS);
+    case 156:
+      SayDigits(v, FuelRangeMiles(c.link, now));
       PlayAlways(v, "miles.wav");
       break;
-    }
     case 157:
       if (f.CruiseTargetAltitude == kCruiseTargetNotSet) {
         PlayAlways(v, "negative.wav");

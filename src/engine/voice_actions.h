@@ -26,6 +26,10 @@ inline constexpr int kRogerSeconds = 2;
 // key, high byte the shift state (3 Ctrl and Shift).
 uint16_t HotKeyCode(int slot);
 
+// Nautical miles the fuel on board lasts at the present fuel flow and ground
+// speed; 0 with no fuel flowing.
+double FuelRangeMiles(const LinkState& link, const FSData& now);
+
 // Every slot unregistered with its key code.
 void InitHotkeysQWE(FlightState& f);
 // Takes the first free entry of the simulator's hot key table for the slot

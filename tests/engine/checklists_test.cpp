@@ -184,7 +184,8 @@ TEST(CheckLists, RunUpNeedsTheBrakeAndLowPower) {
 
 // The pilot presses the checklist key in a C172 with the engine running
 // before the run-up: the run-up list is read and its title shown; key 11
-// shows which list is next; "last check list" reads it again.
+// shows the fuel range and which list is next; "last check list" reads it
+// again.
 TEST(CheckLists, TheKeyReadsTheListAndTheStatusLineNamesIt) {
   FlightRig rig;
   rig.Ready();
@@ -197,10 +198,20 @@ TEST(CheckLists, TheKeyReadsTheListAndTheStatusLineNamesIt) {
   rig.Tick();
   EXPECT_EQ(rig.Queued(), "c172\\ListRunUp.wav");
   EXPECT_EQ(rig.Messages(), "Checklist: Run up");
+  // Key 11 with 14 gallons in each main tank (6 pounds a gallon) burning 50
+  // pounds an hour at 10 knots: 3.36 hours, 34 nautical miles.
+  for (uint32_t tank : {0x0B7Cu, 0x0B94u}) {
+    rig.image.SetU32(tank, 50 * 83886);
+    rig.image.SetU32(tank + 4, 28);
+  }
+  rig.image.SetU16(0x0AF4, 6 * 256);
+  rig.image.SetF64(0x0880, 50);
+  rig.GS(10);
   rig.Mark();
   rig.instructor.PressHotKey(11);
   rig.Tick();
-  EXPECT_EQ(rig.Messages(), "PilotErrors:0  AGL:On Ground  GrndAlt:0   Checklist Key: Run up");
+  EXPECT_EQ(rig.Messages(),
+            "PilotErrors:0  AGL:On Ground  GrndAlt:0 Range:34 NM   Checklist Key: Run up");
   rig.Mark();
   Cockpit c = rig.instructor.cockpit();
   RepeatLastCheckList(c);
