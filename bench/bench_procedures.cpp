@@ -57,9 +57,12 @@ struct Jet737 : BenchInstructor {
         image.SetU8(0x2F80, 2);          // auto brake
         break;
     }
-    instructor.aircraft.Monitoring.Boeing[static_cast<size_t>(MainBox(AircraftType::B737))] = true;
+    // The flight begins with the settings' monitoring boxes; the 737's box
+    // is checked once it has begun.
     instructor.Connect();
     for (int i = 0; i < 20; ++i) instructor.Tick();
+    instructor.aircraft.Monitoring.Boeing[static_cast<size_t>(MainBox(AircraftType::B737))] = true;
+    for (int i = 0; i < 4; ++i) instructor.Tick();
     // The climb is flown in the take-off mode; begun in the air above 1000
     // feet the instructor would take it for the cruise.
     if (phase == Phase::Climb) instructor.flight.Modes = {.TakeOff = true};
@@ -82,8 +85,32 @@ struct Jet737 : BenchInstructor {
   }
 };
 
+// The flight mode the instructor must be in for the phase.
+bool InMode(const ModeFlags& m, Phase phase) {
+  switch (phase) {
+    case Phase::Taxi:
+      return m.Taxiing;
+    case Phase::TakeOffRoll:
+    case Phase::Climb:
+      return m.TakeOff;
+    case Phase::Cruise:
+      return m.Cruise;
+    case Phase::Approach:
+      return m.Landing;
+  }
+  return false;
+}
+
 void BM_Tick737(benchmark::State& state, Phase phase) {
   Jet737 bench(phase);
+  if (!bench.instructor.aircraft.WantType(AircraftType::B737)) {
+    state.SkipWithError("the aircraft is not taken for a monitored 737");
+    return;
+  }
+  if (!InMode(bench.instructor.flight.Modes, phase)) {
+    state.SkipWithError("the instructor is not in the phase's flight mode");
+    return;
+  }
   for (auto _ : state) {
     bench.instructor.Tick();
     benchmark::DoNotOptimize(bench.instructor.flight.TickCount);

@@ -302,6 +302,12 @@ TEST(Procedures, TakeOffSpeedsOfTheJets) {
 }
 
 TEST(Procedures, WhatTheOtherJetsDoDifferently) {
+  // A Twin Otter in the landing mode, full flap (37 degrees) out.
+  auto otterLanding = [](B b, double agl, int32_t ias) {
+    b.Type(AircraftType::TwinOtter, "Aerosoft_DHC6_300", "DHC-6 Twin Otter"); b.Flaps({{10, 135}, {20, 99}, {30, 97}, {37.5, 97}});
+    b.Airborne(agl); b.Mode(FlightMode::Landing);
+    b.Both([=](FSData& d) { d.FlapsLeft = 37 * 256; d.IAS = ias; d.Eng1Combustion = d.Eng2Combustion = true; d.PitotHeat = true; });
+  };
   Check({
       {"a 757 flies to 42,000", [](B b) { b.Type(AircraftType::B757, "B757", "Boeing 757"); b.now().IndicatedAltitude = 41500; }, ""},
       {"and no higher", [](B b) { b.Type(AircraftType::B757, "B757", "Boeing 757"); b.now().IndicatedAltitude = 42001; }, "b757\\MaxAlt.wav"},
@@ -342,11 +348,9 @@ TEST(Procedures, WhatTheOtherJetsDoDifferently) {
          b.Both([](FSData& d) { d.MasterBattery = true; d.Flag341D = true; });
          b.rig.instructor.link.TotalWeightTons = 5.9;
        }, ""},
-      {"the Otter's fourth flap below 200 feet at 18 knots", [](B b) {
-         b.Type(AircraftType::TwinOtter, "Aerosoft_DHC6_300", "DHC-6 Twin Otter"); b.Flaps({{10, 135}, {20, 99}, {30, 97}, {37.5, 97}});
-         b.Airborne(150); b.Mode(FlightMode::Landing);
-         b.Both([](FSData& d) { d.FlapsLeft = 37 * 256; d.IAS = 18; d.Eng1Combustion = d.Eng2Combustion = true; d.PitotHeat = true; });
-       }, "TwinOtter\\FlapsSpeed4.wav"},
+      {"the Otter's fourth flap below 200 feet at 18 knots", [=](B b) { otterLanding(b, 150, 18); }, "TwinOtter\\FlapsSpeed4.wav"},
+      {"the Otter's fourth flap at 17 knots is within its limit", [=](B b) { otterLanding(b, 150, 17); }, ""},
+      {"the Otter's fourth flap at 200 feet is not judged", [=](B b) { otterLanding(b, 200, 18); }, ""},
       {"a DC3 over its weight", [](B b) {
          b.Type(AircraftType::DC3, "Douglas DC-3", "Douglas DC-3"); b.Both([](FSData& d) { d.MasterBattery = true; });
          b.rig.instructor.link.TotalWeightTons = 13.2; b.aircraft().FlapAngleLimit[1] = 2570;
@@ -366,6 +370,12 @@ TEST(Procedures, TheCessna172) {
          b.Type(AircraftType::C172, "A2A_C172", "Cessna Skyhawk 172"); b.now().Eng1StarterSwitch = 4; b.before().Eng1StarterSwitch = 3;
          b.Both([](FSData& d) { d.Eng1Combustion = true; });
        }, "c172\\ParkingBrakeOn.wav c172\\FuelPumpOn.wav"},
+      {"running on the battery with the alternator off", [=](B b) {
+         c172(b); b.Both([](FSData& d) { d.MasterBattery = d.Eng1Combustion = true; });
+       }, "c172\\Enginegeneratorswitch.wav"},
+      {"the A2A Cessna runs its own alternator", [](B b) {
+         b.Type(AircraftType::C172, "A2A_C172", "Cessna Skyhawk 172"); b.Both([](FSData& d) { d.MasterBattery = d.Eng1Combustion = true; });
+       }, ""},
       {"a good start: nothing to say", [=](B b) {
          c172(b); b.Both([](FSData& d) { d.ParkingBrake = d.MasterBattery = d.Eng1FuelValve = d.Eng1FuelPump = true; });
          b.now().Eng1StarterSwitch = 4; b.before().Eng1StarterSwitch = 3;
