@@ -254,7 +254,7 @@ TEST(Replay, TheDemoCircuitIsJudgedAgainstTheRunwayIntoTheWind) {
   ASSERT_EQ(landings.size(), 1u);
   const std::string report = landings[0].Text("report");
   for (const char* line : {"* Landed on runway surface.", "* Heading aligned with runway.",
-                           "* Distance from runway threshold (visual approach): [1113 feet]"})
+                           "* Distance from runway threshold (visual approach): [1455 feet]"})
     EXPECT_NE(report.find(line), std::string::npos) << line;
   const EventValue* score = landings[0].Find("score");
   ASSERT_NE(score, nullptr);

@@ -33,8 +33,8 @@ std::string Replace(std::string text, const std::string& from, const std::string
 std::string CircuitScript() {
   std::string script = ReadFile(testing::DataRoot() + "/Recordings/demo-c172-circuit.flight");
   script = Replace(script, "# Checks at the holding point",
-                   "taxi speed 10 heading 10.7 for 92\nstop\nkey 10\nwait for 4\n"
-                   "turn to 190.7 right speed 6\ntaxi speed 10 for 88\nturn to 10.7 right "
+                   "taxi speed 10 heading 10.7 for 112\nstop\nkey 10\nwait for 4\n"
+                   "turn to 190.7 right speed 6\ntaxi speed 10 for 108\nturn to 10.7 right "
                    "speed 6\nstop\n# Checks at the holding point");
   return script;
 }
@@ -98,7 +98,7 @@ TEST(CircuitScenario, TheDemoCircuitIsFlownAndScored) {
   const std::vector<Event> landings = flight.OfType("landing");
   ASSERT_EQ(landings.size(), 1u);
   const std::string report = landings[0].Text("report");
-  // The circuit stands: landed 42 (short) feet from where the key was
+  // The circuit stands: landed 41 (short) feet from where the key was
   // pressed, every leg long enough; what was flown poorly costs its points:
   // the turn onto base comes a second after the reference point is 45
   // degrees behind, and with no localiser the base leg counts as late
@@ -109,7 +109,7 @@ TEST(CircuitScenario, TheDemoCircuitIsFlownAndScored) {
         "* Poor Downwind altitude - maintain 1000 feet AAL.",
         "* Late turn onto Base - turn when circuit reference point is 45 degrees behind you.",
         "* Late on Final - get onto final sooner next time.", "* Banking not too steep.",
-        "* Landing distance from Circuit reference point:42 feet."})
+        "* Landing distance from Circuit reference point:41 feet."})
     EXPECT_NE(report.find(line), std::string::npos) << line << "\n" << report;
   const std::vector<Event> flights = flight.OfType("flight");
   ASSERT_EQ(flights.size(), 1u);
@@ -125,10 +125,10 @@ TEST(CircuitScenario, TheDemoCircuitIsFlownAndScored) {
       {"CircuitDurationCrossWind", "81"},
       {"CircuitDurationDownWind", "129"},
       {"CircuitDurationBase", "85"},
-      {"CircuitDurationFinal", "126"},
-      {"CircuitBadHeadingUpWind", "26"},
+      {"CircuitDurationFinal", "133"},
+      {"CircuitBadHeadingUpWind", "33"},
       {"CircuitBadHeadingCrossWind", "21"},
-      {"CircuitBadAltitudeDownWind", "19"},
+      {"CircuitBadAltitudeDownWind", "16"},
       {"CircuitBadTimingDownWind", "2"},
       {"CircuitBadTimingBase", "56"},
       {"CircuitBadBankAngle", "0"}};
