@@ -99,38 +99,35 @@ TEST(CircuitScenario, TheDemoCircuitIsFlownAndScored) {
   ASSERT_EQ(landings.size(), 1u);
   const std::string report = landings[0].Text("report");
   // The circuit stands: landed 41 (short) feet from where the key was
-  // pressed, every leg long enough; what was flown poorly costs its points:
-  // the turn onto base comes a second after the reference point is 45
-  // degrees behind, and with no localiser the base leg counts as late
-  // throughout.
+  // pressed, every leg long enough; what was flown poorly costs its points,
+  // and with no localiser the base leg counts as late throughout.
   for (const char* line :
-       {"Circuit Score:64.74", "* Poor Upwind heading - maintain runway heading.",
+       {"Circuit Score:71.74", "* Poor Upwind heading - maintain runway heading.",
         "* Poor Crosswind heading - fly at 90 degrees to the runway.",
-        "* Poor Downwind altitude - maintain 1000 feet AAL.",
-        "* Late turn onto Base - turn when circuit reference point is 45 degrees behind you.",
+        "* Poor Downwind altitude - maintain 1000 feet AAL.", "* Good turn onto Base.",
         "* Late on Final - get onto final sooner next time.", "* Banking not too steep.",
         "* Landing distance from Circuit reference point:41 feet."})
     EXPECT_NE(report.find(line), std::string::npos) << line << "\n" << report;
   const std::vector<Event> flights = flight.OfType("flight");
   ASSERT_EQ(flights.size(), 1u);
   const double circuit = std::get<double>(*flights[0].Find("circuit"));
-  EXPECT_DOUBLE_EQ(circuit, 64.74);
+  EXPECT_DOUBLE_EQ(circuit, 71.74);
 
   const std::vector<Event> rows = flight.OfType("log");
   ASSERT_EQ(rows.size(), 1u);
   const std::string row = rows[0].Text("row");
   const std::vector<std::pair<const char*, const char*>> columns = {
-      {"CircuitScore", "64.74"},
-      {"CircuitDurationUpWind", "88"},
-      {"CircuitDurationCrossWind", "81"},
+      {"CircuitScore", "71.74"},
+      {"CircuitDurationUpWind", "90"},
+      {"CircuitDurationCrossWind", "77"},
       {"CircuitDurationDownWind", "129"},
-      {"CircuitDurationBase", "85"},
-      {"CircuitDurationFinal", "133"},
+      {"CircuitDurationBase", "89"},
+      {"CircuitDurationFinal", "131"},
       {"CircuitBadHeadingUpWind", "33"},
-      {"CircuitBadHeadingCrossWind", "21"},
+      {"CircuitBadHeadingCrossWind", "20"},
       {"CircuitBadAltitudeDownWind", "16"},
-      {"CircuitBadTimingDownWind", "2"},
-      {"CircuitBadTimingBase", "56"},
+      {"CircuitBadTimingDownWind", "0"},
+      {"CircuitBadTimingBase", "60"},
       {"CircuitBadBankAngle", "0"}};
   for (const auto& [name, value] : columns) EXPECT_EQ(Column(row, name), value) << name;
   fs::remove_all(dir);
