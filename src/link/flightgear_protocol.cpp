@@ -206,8 +206,9 @@ std::string FlightGearProtocolXml() {
   std::string xml =
       "<?xml version=\"1.0\"?>\n"
       "<!-- Vantoro: the aircraft's state for the flight instructor, one line of\n"
-      "     tab-separated fields per packet.\n"
-      "     fgfs --generic=socket,out,10,127.0.0.1,5500,udp,vantoro --telnet=5501 -->\n"
+      "     tab-separated fields per packet, sent by FlightGear started with the\n"
+      "     generic output on UDP port 5500 and the property server on port 5501\n"
+      "     (the README's Flying on Linux gives the whole command line). -->\n"
       "<PropertyList>\n"
       " <generic>\n"
       "  <output>\n"

@@ -437,6 +437,16 @@ TEST(FlightGearProtocol, TheShippedDefinitionIsTheOneTheDecoderReads) {
   EXPECT_EQ(text.str(), FlightGearProtocolXml())
       << "data/FlightGear/vantoro.xml differs from the decoder's fields; write it anew from "
          "FlightGearProtocolXml()";
+  // FlightGear refuses the whole definition, and sends nothing, when a comment
+  // holds a double hyphen (a command-line option written into it, say).
+  const std::string xml = FlightGearProtocolXml();
+  for (size_t open = xml.find("<!--"); open != std::string::npos;
+       open = xml.find("<!--", open + 4)) {
+    const size_t close = xml.find("-->", open + 4);
+    ASSERT_NE(close, std::string::npos) << "a comment is never closed";
+    EXPECT_EQ(xml.substr(open + 4, close - open - 4).find("--"), std::string::npos)
+        << "a comment holds \"--\": " << xml.substr(open, close - open + 3);
+  }
 }
 
 // ------------------------------------------------------------------ X-Plane
