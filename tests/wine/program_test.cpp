@@ -201,7 +201,7 @@ std::vector<fs::path> FilesEndingIn(const fs::path& folder, const std::string& e
 
 // The timers run this many times faster than the clock; the server moves the
 // flight on a tick at each poll, so the flight is the same at any pace.
-constexpr int kFlightSpeed = 10;
+constexpr int kFlightSpeed = 20;
 // The simulator goes away here, in the climb after the take-off.
 constexpr uint32_t kOutageAtTick = 330;
 constexpr auto kFlightWait = 150s;
