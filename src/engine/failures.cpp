@@ -65,7 +65,7 @@ constexpr double kFireLeastDraw = 400;
 
 // The in-flight draw: v = round(Rnd x R x R x kDrawScale); v 0..12 acts.
 constexpr double kDrawScale = 5;
-constexpr double kEngineByteChance = 0.2;  // v = 0: the engine byte instead of an instrument
+constexpr double kEngineByteChance = 0.2;  // v = 0: a bird strike instead of an instrument
 constexpr double kEngineByteAboveFeet = 650;
 constexpr double kSwitchChance = 0.1;  // v = 2..12
 constexpr double kEngineChance = 0.1;  // an instrument draw that falls on the engines
@@ -254,6 +254,12 @@ void FireRandomEngine(Cockpit& c) {
   if (n > 0) FireEngine(c, n);
 }
 
+int BirdStrike(Cockpit& c) {
+  const int n = DrawEngine(c, [](double x) { return Int(x); });
+  FailEngine(c, n);
+  return n;
+}
+
 void RandomFailure(Cockpit& c) {
   const std::string what = DrawFailure(c, true);
   if (!what.empty()) ShowMessage(c, what + " FAILURE!", kMessageSeconds);
@@ -340,10 +346,10 @@ void RandomFailures(Cockpit& c) {
   const int32_t v = CLng(c.random.Uniform() * r * r * kDrawScale);
   switch (v) {
     case 0:
-      // The engine byte is written as the failure of one engine drawn at
-      // random, above 650 feet; otherwise an instrument fails.
+      // Above 650 feet, where the birds fly, one draw in five is a bird
+      // strike; otherwise an instrument fails.
       if (Chance(c, kEngineByteChance) && now.AGL > kEngineByteAboveFeet)
-        FailEngine(c, DrawEngine(c, [](double x) { return Int(x); }));
+        BirdStrike(c);
       else
         RandomFailure(c);
       break;

@@ -49,6 +49,9 @@ void FixEngine(Cockpit& c, int n);
 void FireEngine(Cockpit& c, int n);
 // One engine drawn at random catches fire.
 void FireRandomEngine(Cockpit& c);
+// Birds into an engine: one engine drawn at random fails through the
+// per-engine failure byte. Returns the engine, 0 for an aircraft without one.
+int BirdStrike(Cockpit& c);
 
 // One instrument or system fails, drawn at random; the engines only one time
 // in ten. The message line says what ("ASI FAILURE!", "2 ENGINE FAILURE!").

@@ -120,18 +120,26 @@ void Say(Voice& v, std::string_view file) {
   if (!file.empty()) PlayAlways(v, file);
 }
 
+// What follows the clock position of a target described: high or low (in
+// the air), the kind of aircraft and what it is doing.
+void DescribeAfterTheClock(Voice& v, const FSData& now, const TrafficSlot& target, bool air) {
+  PlayAlways(v, "OClock.wav");
+  if (air && target.Altitude > now.Altitude) PlayAlways(v, "High.wav");
+  if (air && target.Altitude < now.Altitude) PlayAlways(v, "Low.wav");
+  SayTrafficType(v, target);
+  SayTrafficActivity(v, target);
+}
+
+std::string ClockFile(int32_t oclock) {
+  return std::to_string(oclock) + ".wav";
+}
+
 // The new nearest target is described: "3 o'clock high, a Boeing 737, is
 // climbing", when the family's gap has run.
 void DescribeTarget(Cockpit& c, const TrafficSlot& target) {
-  const FSData& now = c.link.Now();
   Voice v = c.voice();
-  const std::string clock = std::to_string(c.traffic.OClock) + ".wav";
-  if (!PlayPerhaps(v, clock, kDescriptionId, kAirGap, kExpiry)) return;
-  PlayAlways(v, "OClock.wav");
-  if (target.Altitude > now.Altitude) PlayAlways(v, "High.wav");
-  if (target.Altitude < now.Altitude) PlayAlways(v, "Low.wav");
-  SayTrafficType(v, target);
-  SayTrafficActivity(v, target);
+  if (!PlayPerhaps(v, ClockFile(c.traffic.OClock), kDescriptionId, kAirGap, kExpiry)) return;
+  DescribeAfterTheClock(v, c.link.Now(), target, true);
 }
 
 }  // namespace
@@ -265,6 +273,31 @@ void ProcessTCASAir(Cockpit& c) {
     }
   }
   if (t.NearestAirIndex != t.PreviousAirIndex) DescribeTarget(c, target);
+}
+
+void CallTraffic(Cockpit& c) {
+  const FSData& now = c.link.Now();
+  TrafficState& t = c.traffic;
+  const bool air = now.OnGround == 0;
+  const auto& table = air ? c.link.AirTraffic : c.link.GroundTraffic;
+  int32_t index = kNoTarget;
+  double distance = kNoTargetDistance;
+  Nearest(
+      table, air ? c.link.AirTrafficCount : c.link.GroundTrafficCount, now,
+      [air](const TrafficSlot& s) { return air && s.State == kStateRollingOut; }, index, distance);
+  Voice v = c.voice();
+  if (index == kNoTarget) {
+    PlayAlways(v, "negative.wav");
+    return;
+  }
+  const TrafficSlot& target = table[static_cast<size_t>(index)];
+  t.OClock = OClockOfLatLongToMe(now, target.Latitude, target.Longitude);
+  PlayAlways(v, ClockFile(t.OClock));
+  DescribeAfterTheClock(v, now, target, air);
+  // The air monitor now knows this target as the one described, so it does
+  // not describe it a second time; its closure marks keep the last sample's
+  // distance.
+  if (air) t.NearestAirIndex = index;
 }
 
 }  // namespace vantoro

@@ -66,4 +66,11 @@ double GroundSpacing(const LinkState& link);
 void ProcessTCASGround(Cockpit& c);
 void ProcessTCASAir(Cockpit& c);
 
+// The traffic call the pilot asks for: the nearest target now, from the air
+// table in the air and the ground table on the ground, told as the air
+// monitor describes a new target ("2 o'clock, low, a 737, is descending"),
+// without waiting for the family's gap; on the ground without high or low.
+// "negative.wav" when no target is in the table.
+void CallTraffic(Cockpit& c);
+
 }  // namespace vantoro

@@ -11,8 +11,10 @@
 #include "base/numbers.h"
 #include "base/text.h"
 #include "engine/checklists.h"
+#include "engine/failures.h"
 #include "engine/navigation.h"
 #include "engine/tick_rules.h"
+#include "engine/traffic.h"
 #include "link/hotkey_table.h"
 #include "link/snapshot.h"
 #include "voice/phrases.h"
@@ -45,6 +47,7 @@ constexpr std::array<uint16_t, kHotKeySlots + 1> kHotKeyCodes = {
 };
 
 constexpr int kModeSeconds = 3;
+constexpr int kFailureMessageSeconds = 8;
 constexpr int kSpelledCodeLength = 4;
 constexpr int32_t kFirstClockAction = 131;
 constexpr int32_t kLastClockAction = 142;
@@ -386,7 +389,9 @@ void VoiceHotKeyAction(Cockpit& c) {
       PlayAndPurge(v, "Pause125ms.wav", 0, 0);
       break;
     case 103:
-      // The traffic call of the traffic monitor is made here.
+      // "Traffic": the nearest target is called now, as the traffic monitor
+      // describes one.
+      CallTraffic(c);
       break;
     case 104:
       if (destination == nullptr || Trim(destination->ILSFrequency).empty()) {
@@ -503,7 +508,19 @@ void VoiceHotKeyAction(Cockpit& c) {
       ToMode(c, FlightMode::Cruise, "Cruise...");
       break;
     case 128:
-      // The bird strike of the failures is set off here.
+      // "Birds ahead of us": the pilot asks to train for a bird strike, and
+      // the instructor makes it real in the simulator. One engine drawn at
+      // random fails, named on the message line as any failure the
+      // instructor sets off; when the simulator stops it, the engine loss is
+      // announced with the best glide speed. Without an engine there is
+      // nothing to strike.
+      if (const int engine = BirdStrike(c); engine > 0)
+        ShowMessage(
+            c,
+            std::to_string(engine) + " " + FailureNamesOf(kFailEngineIndex).message + " FAILURE!",
+            kFailureMessageSeconds);
+      else
+        PlayAlways(v, "negative.wav");
       break;
     case 145: {
       const Runway* nearest =

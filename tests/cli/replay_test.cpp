@@ -41,6 +41,35 @@ TEST(Replay, PhrasesKeysAndVirtualTime) {
   EXPECT_EQ(log.events.back().Int("ticks"), 4);
 }
 
+// The hot keys of a replayed flight: the fifteen entries of the
+// simulator's hot key table written on the first tick, key code and two
+// zero bytes each, and written back to zero when a crash ends the
+// connection, since the table outlives the instructor.
+TEST(Replay, HotKeyEntriesAreWrittenAndClearedAtTheEnd) {
+  Recording r;
+  std::string error;
+  ASSERT_TRUE(ParseRecording("r", "vantoro-recording 1\ntick 30\nu8 0840 1\ntick 2\n", r, error))
+      << error;
+  EventLog log;
+  Replay replay(ReplaySetup{testing::DataRoot(), 1, true, {}, {}}, log);
+  replay.Run(r);
+  std::string registered, cleared, disconnect;
+  for (const Event& e : log.events) {
+    if (e.type == "disconnect") disconnect = e.Text("reason");
+    if (e.type != "write" || e.Text("offset") < "0x3210" || e.Text("offset") > "0x324C") continue;
+    (disconnect.empty() ? registered : cleared) += e.Text("offset") + "=" + e.Text("bytes") + " ";
+  }
+  EXPECT_NE(disconnect.find("Crash"), std::string::npos) << disconnect;
+  EXPECT_EQ(registered,
+            "0x3210=31030000 0x3214=32030000 0x3218=33030000 0x321C=34030000 0x3220=35030000 "
+            "0x3224=44030000 0x3228=5A030000 0x322C=58030000 0x3230=43030000 0x3234=20030000 "
+            "0x3238=42030000 0x323C=4E030000 0x3240=4D030000 0x3244=35000000 0x3248=53030000 ");
+  EXPECT_EQ(cleared,
+            "0x3210=00000000 0x3214=00000000 0x3218=00000000 0x321C=00000000 0x3220=00000000 "
+            "0x3224=00000000 0x3228=00000000 0x322C=00000000 0x3230=00000000 0x3234=00000000 "
+            "0x3238=00000000 0x323C=00000000 0x3240=00000000 0x3244=00000000 0x3248=00000000 ");
+}
+
 class Cli : public ::testing::Test {
  protected:
   void SetUp() override {

@@ -3,6 +3,7 @@
 #include <functional>
 
 #include "engine/rule_bench.h"
+#include "engine/voice_actions.h"
 
 namespace vantoro {
 namespace {
@@ -94,6 +95,15 @@ TEST(Failures, TheInFlightDrawAtReliabilityTen) {
       {"v 12 flight director", [](B b) { b.now().FlightDirector = 1; b.random.draws = {kV(12), 0.05}; },
        "0x2EE0=00 FlightDirectorActive.wav"},
   }, RandomFailures);
+  // "Birds ahead of us": the pilot's word sets off the same bird strike at
+  // once, at any reliability, and names the engine.
+  Check({
+      {"birds ahead: engine 2 of 2", [](B b) { b.options().FailureSlider = 100; b.random.draws = {0.7}; },
+       "0x32F8=02 '2 ENGINE FAILURE!'"},
+      {"an engine failed before stays failed", [](B b) { b.rig.instructor.failures.EngineFailBits = 2; b.random.draws = {0.2}; },
+       "0x32F8=03 '1 ENGINE FAILURE!'"},
+      {"no engine to strike", [](B b) { b.now().Engines = 0; }, "negative.wav"},
+  }, [](Cockpit& c) { c.flight.VoiceAction = 128; VoiceHotKeyAction(c); });
 }
 
 TEST(Failures, TheTakeOffFire) {

@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "engine/rule_bench.h"
+#include "engine/voice_actions.h"
 
 namespace vantoro {
 namespace {
@@ -89,6 +90,21 @@ TEST(Traffic, WhatThePilotHearsInTheAir) {
       {"below 300 feet nothing is said", [](B b) { b.Air(1, 0, 800); b.now().AGL = 250; }, ""},
       {"before the tables have filled", [](B b) { b.Air(1, 0, 800); b.flight().TickCount = 22; }, ""},
   }, ProcessTCASAir);
+  // "Traffic": the nearest target called now, gap or not, and not described
+  // a second time by the monitor that follows in the same tick.
+  CheckRules<Bench>({
+      {"nothing in the table", [](B) {}, "negative.wav"},
+      {"the nearer of two, low and descending", [](B b) {
+         TrafficSlot& t = b.Air(2, 2, 20000); t.Ident = "A320 7"; t.Altitude = 2000; t.VS = -700; b.Air(1, 9, 30000);
+       }, "2.wav OClock.wav Low.wav A320.wav IsDescending.wav"},
+      {"described a moment ago: called all the same", [](B b) {
+         b.Air(1, 9, 20000); Cockpit c = b.c(); ProcessTCASAir(c); b.mark = b.rig.events.events.size();
+       }, "9.wav OClock.wav Aircraft.wav IsCruising.wav"},
+      {"one rolling out is not called", [](B b) { b.Air(1, 0, 800).State = kStateRollingOut; }, "negative.wav"},
+      {"taxiing: the ground table, no high or low", [](B b) {
+         b.Taxiing(); b.Ground(1, 0, 400).Altitude = 3010; b.Air(2, 3, 300);
+       }, "12.wav OClock.wav Aircraft.wav IsTaxiingOut.wav"},
+  }, [](Cockpit& c) { c.flight.VoiceAction = 103; VoiceHotKeyAction(c); ProcessTCASAir(c); });
 }
 
 TEST(Traffic, WhatThePilotHearsTaxiing) {

@@ -173,6 +173,8 @@ TEST_F(VoiceCommands, RepliesThePilotHears) {
       {"cruise altitude", "negative.wav"},
       {"next runway", "negative.wav"},
       {"divert to alternate", "negative.wav"},
+      {"traffic", "negative.wav"},
+      {"display data", "negative.wav"},
       {"specify airport", "airport.wav"},
       {"new destination", "airport.wav"},
       {"cruise airspeed", "maintain.wav|Pause250ms.wav|indicatedairspeed.wav|0.wav"},
@@ -186,6 +188,22 @@ TEST_F(VoiceCommands, RepliesThePilotHears) {
     EXPECT_EQ(rig.Queued(), c.queued) << c.phrase;
     EXPECT_EQ(rig.Messages().substr(0, 8), "Roger...") << c.phrase;
     EXPECT_EQ(rig.flight().VoiceAction, 0) << c.phrase;
+  }
+  // With a plan, display data shows its two ends and spells them, by voice
+  // or by either of its keys.
+  rig.instructor.plan.FlightPlanDeparture = "EGTK";
+  rig.instructor.plan.FlightPlanDestination = "EGLL";
+  const std::string spelled = "E.wav|G.wav|T.wav|K.wav|Pause500ms.wav|E.wav|G.wav|L.wav|L.wav";
+  for (int key : {0, 3, 6}) {
+    rig.Mark();
+    if (key == 0) {
+      Say({"display data"});
+    } else {
+      PressHotKeyEntry(rig.image, HotKeyCode(key));
+      Say({});
+    }
+    EXPECT_EQ(rig.Queued(), spelled) << key;
+    EXPECT_NE(rig.Messages().find("EGTK TO EGLL"), std::string::npos) << key;
   }
 }
 
