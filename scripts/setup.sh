@@ -11,7 +11,7 @@ packages=(
   nlohmann-json3-dev libcli11-dev libcpp-httplib-dev libasound2-dev
   libjs-chart.js
   chromium chromium-driver python3-selenium fonts-dejavu-core
-  g++-mingw-w64-x86-64 libz-mingw-w64-dev dpkg-dev wine wine64 xvfb xauth zip
+  g++-mingw-w64-x86-64 libz-mingw-w64-dev dpkg-dev wine wine64 xvfb xauth zip unzip e2fsprogs
   libpocketsphinx-dev pocketsphinx-en-us
 )
 

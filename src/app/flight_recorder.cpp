@@ -55,6 +55,7 @@ bool TapLink::Read(uint32_t offset, uint32_t size, void* destination, int& resul
 
 bool TapLink::Process(int& result) {
   const bool ok = inner_.Process(result);
+  if (ok) ++exchanges_;
   // Reads outside the four blocks of a recording are not kept.
   if (ok)
     for (const PendingRead& r : reads_)
@@ -115,13 +116,18 @@ bool FlightRecorder::Flush() {
 }
 
 std::string FlightRecorder::AfterTick(const Instructor& instructor, int pressedKey) {
-  const bool flying = instructor.flight.UserConnected && instructor.flight.Connected;
-  if (file_ != nullptr && (!flying || instructor.flight.CurrentFlight != flight_)) {
+  const FlightState& f = instructor.flight;
+  if (file_ != nullptr && (!f.UserConnected || f.CurrentFlight != flight_)) {
     // The tick that ended the flight belongs to it: it was written last time
     // round, so the next flight starts in a file of its own.
     Close();
   }
-  if (!flying) return {};
+  // A tick whose reads failed brought nothing to write; a link lost in
+  // flight (the simulator gone for a while) keeps the flight's file open, so
+  // that the flight goes on in it when the link is back.
+  const bool read = tap_.Exchanges() != exchangesWritten_;
+  exchangesWritten_ = tap_.Exchanges();
+  if (!f.UserConnected || !f.Connected || !read) return {};
   std::string problem;
   if (file_ == nullptr && !(problem = Open(instructor)).empty()) return problem;
 

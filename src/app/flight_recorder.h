@@ -53,6 +53,8 @@ class TapLink final : public SimLink {
 
   // What the reads have brought back so far.
   const OffsetImage& Image() const { return image_; }
+  // How many exchanges have succeeded.
+  uint64_t Exchanges() const { return exchanges_; }
 
  private:
   struct PendingRead {
@@ -63,6 +65,7 @@ class TapLink final : public SimLink {
   SimLink& inner_;
   OffsetImage image_;
   std::vector<PendingRead> reads_;
+  uint64_t exchanges_ = 0;
 };
 
 class FlightRecorder {
@@ -98,6 +101,7 @@ class FlightRecorder {
   const TapLink& tap_;
   const Clock& clock_;
   std::unique_ptr<RecordingWriter> writer_;
+  uint64_t exchangesWritten_ = 0;  // the tap's exchanges at the last tick
   std::FILE* file_ = nullptr;
   std::string partPath_;
   std::string path_;

@@ -43,6 +43,7 @@ struct Options {
   std::string simHost;
   int simPort = 0;
   std::string pilot;
+  double speed = 1.0;
 };
 
 // What the pilot sees in the terminal: the status line, notices, captions
@@ -113,6 +114,11 @@ int Main(int argc, char** argv) {
                  "the simulator's port: FlightGear's data port (5500), X-Plane's (49000)")
       ->option_text("N")
       ->check(CLI::Range(1, 65535));
+  cli.add_option("--speed", o.speed,
+                 "run the timers N times faster than the clock: a recording flies N times "
+                 "faster (a simulator must move on a tick at each poll to keep pace)")
+      ->option_text("N")
+      ->check(CLI::Range(0.1, 50.0));
   cli.footer(
       "Each live flight is recorded beside the pilot's log (PilotRoster/NAME DATE.vrec.gz).\n"
       "Ctrl+C ends the program; the flight's files are closed first.");
@@ -178,7 +184,7 @@ int Main(int argc, char** argv) {
   SoundOnPlatform(parts);
   ConsoleEvents console;
   parts.alsoTell = &console;
-  LiveProgram program(LiveSetup{root}, std::move(parts));
+  LiveProgram program(LiveSetup{root, o.speed}, std::move(parts));
 
   // The pilot's app, over the program's mailbox and live feed.
   WebServerOptions appOptions;

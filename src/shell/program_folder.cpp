@@ -5,24 +5,14 @@
 
 namespace fs = std::filesystem;
 
-#ifdef _WIN32
-#include <windows.h>
-#endif
-
 namespace vantoro {
 
 std::string DataBesideProgram(const std::string& program) {
   std::error_code ec;
   // The running program's own file where the system tells it; else the
   // path it was started by.
-#ifdef _WIN32
-  wchar_t own[MAX_PATH] = {};
-  const DWORD length = GetModuleFileNameW(nullptr, own, MAX_PATH);
-  fs::path file = length > 0 && length < MAX_PATH ? fs::path(own) : fs::path();
-#else
-  fs::path file = fs::read_symlink("/proc/self/exe", ec);
-#endif
-  if (ec || file.empty()) file = fs::absolute(program, ec);
+  fs::path file = RunningProgramFile();
+  if (file.empty()) file = fs::absolute(program, ec);
   if (ec) return {};
   for (fs::path dir = file.parent_path(); !dir.empty(); dir = dir.parent_path()) {
     const fs::path data = dir / "data";

@@ -12,4 +12,8 @@ namespace vantoro {
 // does not tell the running program's own file. Empty when there is none.
 std::string DataBesideProgram(const std::string& program);
 
+// The running program's own file as the system tells it; "" when it does
+// not (program_file_*.cpp, one per platform).
+std::string RunningProgramFile();
+
 }  // namespace vantoro

@@ -29,12 +29,13 @@ import urllib.request
 SKIP = 77
 DATA_PORT = 5500  # the link's defaults: the data port and the property server
 TELNET_PORT = 5501
+SCRIPT_PORT = 5510  # the same stream, a second time, for the script that flies
 FGFS = os.environ.get("FGFS", "/usr/games/fgfs")
 FG_ROOT = os.environ.get("FG_ROOT", "/usr/share/games/flightgear")
 RUNWAY_HEADING = 89.0  # PHNL 08L, true
 ROTATE_KIAS = 55
 CLIMB_PITCH = 7.0
-LEVEL_AGL = 1200  # feet above the runway where the climb levels off
+LEVEL_ALTITUDE = 1300  # feet above the sea where the climb levels off (the runway is at 13)
 CLIMB_TIMEOUT = 480  # seconds of flying before the test gives up on Cruise
 
 
@@ -144,11 +145,52 @@ def start_engine(fg):
     return fg.get("/engines/engine[0]/running") == "true"
 
 
-def fly(fg, events):
+class Instruments(threading.Thread):
+    """The aircraft as FlightGear streams it: a second copy of Vantoro's own
+    protocol on a port of the script's, read as its definition orders the
+    fields. The property server answers one question a frame or so; flying
+    by it would steer on values most of a second old."""
+
+    def __init__(self, definition, port):
+        super().__init__(daemon=True)
+        text = open(definition, encoding="utf-8").read()
+        self.nodes = [n.split("</node>")[0] for n in text.split("<node>")[1:]]
+        self.sock = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
+        self.sock.bind(("127.0.0.1", port))
+        self.latest = None
+        self.count = 0
+        self.ready = threading.Condition()
+
+    def run(self):
+        while True:
+            fields = self.sock.recv(65536).decode("utf-8", "replace").rstrip("\n").split("\t")
+            if len(fields) != len(self.nodes):
+                continue
+            with self.ready:
+                self.latest = dict(zip(self.nodes, fields))
+                self.count += 1
+                self.ready.notify_all()
+
+    def next(self, after):
+        """The first sample after sample number `after`, and its number."""
+        with self.ready:
+            self.ready.wait_for(lambda: self.count > after, timeout=5)
+            return self.latest, self.count
+
+    @staticmethod
+    def number(sample, node):
+        try:
+            return float(sample[node])
+        except (KeyError, TypeError, ValueError):
+            return 0.0
+
+
+def fly(fg, instruments, events, trace):
     """Take-off, climb and level-off: full power, the runway heading with the
     rudder on the ground and the ailerons in the air, rotate at 55 KIAS, hold
-    the climb pitch, then level at 1,200 ft and cruise power until the
-    instructor says Cruise (it waits for steady level flight)."""
+    the climb pitch, then level at 1,300 ft and cruise power until the
+    instructor says Cruise (it waits for steady level flight). Ten times a
+    second, on each sample FlightGear streams."""
     fg.set("/controls/flight/flaps", 0)
     # The c172p's own levers, which its systems copy to the engine's.
     fg.set("/sim/model/c172p/brake-parking", 0)
@@ -157,34 +199,54 @@ def fly(fg, events):
     fg.set("/controls/lighting/landing-lights", 1)
     airborne = level = False
     started = time.time()
+    number, count, previous, rates = Instruments.number, 0, None, (0.0, 0.0, 0.0)
     while time.time() - started < CLIMB_TIMEOUT:
-        ias = fg.number("/velocities/airspeed-kt")
-        pitch = fg.number("/orientation/pitch-deg")
-        roll = fg.number("/orientation/roll-deg")
-        heading = fg.number("/orientation/heading-deg")
-        agl = fg.number("/position/altitude-agl-ft")
-        climb = fg.number("/velocities/vertical-speed-fps")
+        sample, count = instruments.next(count)
+        if sample is None:
+            continue
+        ias = number(sample, "/velocities/airspeed-kt")
+        pitch = number(sample, "/orientation/pitch-deg")
+        roll = number(sample, "/orientation/roll-deg")
+        heading = number(sample, "/orientation/heading-deg")
+        agl = number(sample, "/position/altitude-agl-ft")
+        altitude = number(sample, "/position/altitude-ft")
+        climb = number(sample, "/velocities/vertical-speed-fps")
+        now = time.time()
+        if previous is not None:
+            dt = max(now - previous[0], 0.05)
+            turn = ((heading - previous[3] + 540) % 360 - 180) / dt
+            measured = ((pitch - previous[1]) / dt, (roll - previous[2]) / dt, turn)
+            rates = tuple(0.5 * r + 0.5 * m for r, m in zip(rates, measured))
+        previous = (now, pitch, roll, heading)
+        pitch_rate, roll_rate, yaw_rate = rates
         error = (RUNWAY_HEADING - heading + 540) % 360 - 180
         if not airborne:
-            fg.set("/controls/flight/rudder", round(clamp(0.08 * error, -0.6, 0.6), 3))
+            rudder = 0.04 * error - 0.01 * yaw_rate
+            fg.set("/controls/flight/rudder", round(clamp(rudder, -0.6, 0.6), 3))
             target = CLIMB_PITCH if ias >= ROTATE_KIAS else 0.0
             airborne = agl > 50
-        elif agl < LEVEL_AGL and not level:
+        elif altitude < LEVEL_ALTITUDE - 100 and not level:
             fg.set("/controls/flight/rudder", 0)
             target = CLIMB_PITCH
         else:
             if not level:
                 fg.set("/controls/engines/current-engine/throttle", 0.7)
                 level = True
-            target = clamp(1.0 - 0.4 * climb, -3, 6)
-        bank = clamp(error * 1.5, -15, 15)
-        fg.set("/controls/flight/aileron", round(clamp(0.04 * (bank - roll), -0.5, 0.5), 3))
+            # Altitude hold: a climb rate towards the level, a pitch towards the rate.
+            wanted = clamp((LEVEL_ALTITUDE - altitude) * 0.03, -4, 4)
+            target = clamp(2.0 + 0.4 * (wanted - climb), -4, 6)
+        bank = clamp(error * 1.0, -15, 15) if airborne else 0.0
+        aileron = 0.03 * (bank - roll) - 0.01 * roll_rate
+        fg.set("/controls/flight/aileron", round(clamp(aileron, -0.5, 0.5), 3))
         if ias >= ROTATE_KIAS or airborne:
-            fg.set("/controls/flight/elevator",
-                   round(clamp(-0.06 * (target - pitch) - 0.05, -0.7, 0.4), 3))
+            # Pitch towards the target, damped by the pitch rate.
+            elevator = 0.04 * (pitch - target) + 0.015 * pitch_rate - 0.05
+            fg.set("/controls/flight/elevator", round(clamp(elevator, -0.7, 0.4), 3))
+        trace.write(f"{now - started:6.1f} ias {ias:5.1f} alt {altitude:6.0f} agl {agl:6.0f} "
+                    f"pitch {pitch:5.1f} target {target:5.1f} roll {roll:5.1f} "
+                    f"heading {heading:5.1f} climb {climb:5.1f}\n")
         if "Cruise" in events.modes():
             return True
-        time.sleep(0.2)
     return False
 
 
@@ -243,6 +305,8 @@ def main():
         events = EventStream(url)
         events.start()
 
+        instruments = Instruments(os.path.join(root, "FlightGear", "vantoro.xml"), SCRIPT_PORT)
+        instruments.start()
         env = dict(os.environ, HOME=os.path.join(work, "home"), DISPLAY=display,
                    DBUS_FATAL_WARNINGS="0")
         # Drawing is off: on two cores FlightGear reaches real time only so.
@@ -255,6 +319,7 @@ def main():
                "--prop:/sim/rendering/draw-mask/aircraft=false",
                "--prop:/sim/rendering/draw-mask/clouds=false",
                f"--generic=socket,out,10,127.0.0.1,{DATA_PORT},udp,vantoro",
+               f"--generic=socket,out,10,127.0.0.1,{SCRIPT_PORT},udp,vantoro",
                # The property server at 60 Hz: at its default rate every answer
                # waits most of a second, too slow to fly by.
                f"--telnet=socket,bi,60,127.0.0.1,{TELNET_PORT},tcp"], "fgfs", env=env)
@@ -272,7 +337,8 @@ def main():
             log("FAIL: the c172p's engine did not start")
             return 1
         time.sleep(10)  # the instructor sees the aircraft standing on the runway first
-        connected = fly(fg, events)
+        with open(os.path.join(work, "fly.log"), "w") as trace:
+            connected = fly(fg, instruments, events, trace)
         # Whatever Vantoro wrote on FlightGear's screen.
         screen = fg.get("/sim/screen/white")
         time.sleep(3)

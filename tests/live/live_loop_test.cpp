@@ -330,6 +330,71 @@ TEST(LiveLoop, ConnectAndDisconnectFromTheAppAndTheFlightsRecordingReplays) {
   fs::remove_all(folder);
 }
 
+// The simulator goes away in the middle of a flight and comes back: ten
+// failed reads drop the link, the pilot stays connected, the link opens again
+// and the flight goes on in the same recording, which holds every tick that
+// was read and none of those that failed.
+TEST(LiveLoop, ASimulatorGoneForAWhileLeavesTheFlightInOneWholeRecording) {
+  const fs::path folder = fs::temp_directory_path() / ("vantoro-gone-" + std::to_string(getpid()));
+  fs::remove_all(folder);
+  const std::string root = MakeVoiceRoot(folder.string(), "Jim", {});
+  OffsetImage image;
+  testing::ForEachTick(GenerateScript(kTaxiScript), [&](const OffsetImage& now, int64_t tick) {
+    if (tick == 20) image = now;
+  });
+  Witness witness;
+  auto clock = std::make_unique<StepClock>();
+  LiveParts parts = TestParts(witness, clock.get());
+  auto link = std::make_unique<ImageLink>(image);
+  ImageLink* sim = link.get();
+  parts.sim = std::move(link);
+  parts.clock = std::move(clock);
+  LiveProgram program(LiveSetup{root, kSpeed}, std::move(parts));
+  program.StartUp();
+  std::thread loop([&] { program.Run(); });
+  auto told = [&](const std::string& status) {
+    const std::vector<Event> events = witness.Events();
+    return std::any_of(events.begin(), events.end(), [&](const Event& e) {
+      return e.type == "status" && e.Text("text").rfind(status, 0) == 0;
+    });
+  };
+  program.mailbox().Post([](Instructor& in) { in.Connect(); }, Mailbox::Due::RemoteTimer);
+  ASSERT_TRUE(WaitFor([&] { return StateTick(program) >= 6; })) << "no ticks after Connect";
+
+  // The link's changes are made on the loop thread, between two ticks.
+  program.mailbox().Post([sim](Instructor&) {
+    sim->failProcessWith = kLinkTimeout;
+    sim->failOpenWith = kLinkNoServer;
+  });
+  ASSERT_TRUE(WaitFor([&] { return told("Status: No Flight Simulator Found"); }));
+  program.mailbox().Post([sim](Instructor&) {
+    sim->failProcessWith = kLinkOk;
+    sim->failOpenWith = kLinkOk;
+  });
+  ASSERT_TRUE(WaitFor([&] { return told("Status: Monitoring FSX"); }));
+  const int32_t back = StateTick(program);
+  ASSERT_TRUE(WaitFor([&] { return StateTick(program) >= back + 6; }))
+      << "no ticks after the return";
+  program.mailbox().Post([](Instructor& in) { in.Disconnect(); });
+  const fs::path recordings = fs::path(root) / "Recordings";
+  ASSERT_TRUE(WaitFor([&] { return FilesEndingIn(recordings, ".vrec.gz.part").empty(); }));
+  program.Stop();
+  loop.join();
+  // The pilot stayed connected through the outage: one disconnection, his.
+  const std::vector<Event> events = witness.Events();
+  EXPECT_EQ(std::count_if(events.begin(), events.end(),
+                          [](const Event& e) { return e.type == "disconnect"; }),
+            1);
+
+  const std::vector<fs::path> kept = FilesEndingIn(recordings, ".vrec.gz");
+  ASSERT_EQ(kept.size(), 1u) << "the outage split the flight's recording";
+  Recording recorded;
+  std::string error;
+  ASSERT_TRUE(LoadRecording(kept[0].string(), recorded, error)) << error;
+  EXPECT_EQ(recorded.TotalTicks(), program.instructor().flight.TickCount);
+  fs::remove_all(folder);
+}
+
 TEST(LiveLoop, ARecordingLeftOpenByAProgramThatDiedIsKept) {
   const fs::path folder = fs::temp_directory_path() / ("vantoro-open-" + std::to_string(getpid()));
   fs::create_directories(folder / "PilotRoster");

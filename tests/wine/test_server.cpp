@@ -52,6 +52,8 @@ TestServer::TestServer() {
   control_->takenCounter = 0;
   control_->messages = 0;
   control_->clientVersion = 0;
+  control_->flightTicks = 0;
+  control_->playedTicks = 0;
   for (uint32_t i = 0; i < testserver::kImageSize; ++i) control_->image[i] = PatternByte(i);
   SetWord(0x3304, 0x48000000);  // version 4.80
   SetWord(0x3308, 0xFADE0008);  // check pattern, FSX
@@ -73,9 +75,10 @@ uint32_t TestServer::Word(uint32_t offset) const {
   return v;
 }
 
-bool TestServer::Start(const char* windowClass) {
+bool TestServer::Start(const char* windowClass, const std::string& flight) {
   std::string command = "\"";
   command.append(ServerPath()).append("\" ").append(windowClass).append(" ").append(controlName_);
+  if (!flight.empty()) command.append(" \"").append(flight).append("\"");
   STARTUPINFOA startup{};
   startup.cb = sizeof startup;
   if (!CreateProcessA(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,

@@ -22,7 +22,9 @@ class TestServer {
   TestServer& operator=(const TestServer&) = delete;
 
   // Starts the server with a window of `windowClass` and waits for the window.
-  bool Start(const char* windowClass);
+  // With a flight (a recording or a flight script) the server plays it; a
+  // server started again carries on where the last one stopped.
+  bool Start(const char* windowClass, const std::string& flight = {});
   // Ends the server; the window disappears (safe when not started).
   void Stop();
 

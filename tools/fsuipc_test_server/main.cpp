@@ -2,15 +2,22 @@
 // under Windows or wine: a hidden window of the server's class answering the
 // registered message "FSASMLIB:IPC" over an offset image in memory.
 //
-//   fsuipc_test_server.exe CLASS CONTROL
+//   fsuipc_test_server.exe CLASS CONTROL [FLIGHT]
 //
 // CLASS is the window class ("UIPCMAIN", or "FS98MAIN" as WideClient shows);
 // CONTROL names the mapping with the control block (server_control.h).
+// FLIGHT is a recording (.vrec, .vrec.gz) or a flight script (.flight) that
+// the server plays, a tick for each read of the main block.
 #include <windows.h>
 
 #include <cstdio>
 #include <cstring>
+#include <string>
 
+#include "base/files.h"
+#include "flightgen/flightgen.h"
+#include "link/recording.h"
+#include "link/snapshot.h"
 #include "server_control.h"
 
 namespace {
@@ -23,10 +30,21 @@ constexpr uint32_t kReadId = 1;
 constexpr uint32_t kWriteId = 2;
 constexpr DWORD kLongestHold = 10000;  // a held message is let go after this many ms
 constexpr uint32_t kClientVersionOffset = 0x330A;
+// The version and simulator words the handshake reads.
+constexpr uint32_t kServerWordsOffset = 0x3304;
+constexpr uint32_t kServerWordsSize = 8;
+
+// The flight being played: the next step and what is left of a "tick N".
+struct Flight {
+  vantoro::Recording recording;
+  size_t next = 0;
+  int32_t ticksLeft = 0;
+};
 
 struct Server {
   Control* control = nullptr;
   UINT ipcMessage = 0;
+  Flight* flight = nullptr;
 };
 
 uint32_t LoadWord(const uint8_t* p) {
@@ -60,9 +78,46 @@ void WriteImage(Control& c, uint32_t offset, const uint8_t* in, uint32_t size) {
   }
 }
 
-// Serves the records in place, as the simulator's server does. Returns the
-// position of the closing word, or -1 for a batch it cannot read.
-long Serve(Control& c, uint8_t* block) {
+// Moves the flight on by one tick: its writes up to the next tick land in
+// the image (`apply` false passes over them, for ticks played before). The
+// end of the flight holds as it stands.
+void PlayTick(Flight& f, Control& c, bool apply) {
+  if (f.ticksLeft > 0) {
+    --f.ticksLeft;
+    c.playedTicks = c.playedTicks + 1;
+    return;
+  }
+  while (f.next < f.recording.steps.size()) {
+    const vantoro::RecordingStep& step = f.recording.steps[f.next++];
+    if (step.kind == vantoro::RecordingStep::Kind::Write && apply) {
+      for (size_t i = 0; i < step.bytes.size(); ++i)
+        if (step.offset + i < ts::kImageSize) c.image[step.offset + i] = step.bytes[i];
+    } else if (step.kind == vantoro::RecordingStep::Kind::Tick) {
+      f.ticksLeft = step.ticks - 1;
+      c.playedTicks = c.playedTicks + 1;
+      return;
+    }
+  }
+}
+
+// Reads the flight; a script is flown into a recording first.
+bool LoadFlight(const std::string& file, Flight& f, std::string& error) {
+  const bool script = file.size() > 7 && file.compare(file.size() - 7, 7, ".flight") == 0;
+  if (!script) return vantoro::LoadRecording(file, f.recording, error);
+  const auto text = vantoro::TryReadFile(file);
+  if (!text) {
+    error = file + ": cannot be read";
+    return false;
+  }
+  std::string recording;
+  return vantoro::GenerateFlight(file, *text, recording, error) &&
+         vantoro::ParseRecording(file, recording, f.recording, error);
+}
+
+// Serves the records in place, as the simulator's server does; a read of the
+// main block first moves the flight on. Returns the position of the closing
+// word, or -1 for a batch it cannot read.
+long Serve(Control& c, Flight* flight, uint8_t* block) {
   uint32_t at = 0;
   while (at + 4 <= kBlockSize) {
     const uint32_t id = LoadWord(block + at);
@@ -72,6 +127,8 @@ long Serve(Control& c, uint8_t* block) {
     const uint32_t offset = LoadWord(block + at + 4);
     const uint32_t size = LoadWord(block + at + 8);
     if (uint64_t{at} + header + size > kBlockSize) return -1;
+    if (id == kReadId && flight != nullptr && offset == vantoro::kMainBlockOffset)
+      PlayTick(*flight, c, true);
     if (id == kReadId)
       ReadImage(c, offset, block + at + header, size);
     else
@@ -102,7 +159,7 @@ LRESULT Exchange(Server& s, WPARAM atom) {
     CloseHandle(mapping);
     return 0;
   }
-  const long end = Serve(c, block);
+  const long end = Serve(c, s.flight, block);
   if (end >= 0) {
     switch (c.behaviour) {
       case ts::kCorruptId:
@@ -145,8 +202,8 @@ LRESULT CALLBACK WindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lPa
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 3) {
-    std::fprintf(stderr, "usage: fsuipc_test_server CLASS CONTROL\n");
+  if (argc != 3 && argc != 4) {
+    std::fprintf(stderr, "usage: fsuipc_test_server CLASS CONTROL [FLIGHT]\n");
     return 2;
   }
   const char* windowClass = argv[1];
@@ -159,6 +216,28 @@ int main(int argc, char** argv) {
   server.control = static_cast<Control*>(MapViewOfFile(controlMapping, FILE_MAP_WRITE, 0, 0, 0));
   if (server.control == nullptr) return 1;
   server.ipcMessage = RegisterWindowMessageA("FSASMLIB:IPC");
+
+  Flight flight;
+  if (argc == 4) {
+    std::string error;
+    if (!LoadFlight(argv[3], flight, error)) {
+      std::fprintf(stderr, "fsuipc_test_server: %s\n", error.c_str());
+      return 2;
+    }
+    Control& c = *server.control;
+    c.flightTicks = static_cast<uint32_t>(flight.recording.TotalTicks());
+    if (c.playedTicks == 0) {
+      // A flight starts on an empty simulator: only the server's own words.
+      uint8_t words[kServerWordsSize];
+      std::memcpy(words, c.image + kServerWordsOffset, sizeof words);
+      std::memset(c.image, 0, ts::kImageSize);
+      std::memcpy(c.image + kServerWordsOffset, words, sizeof words);
+    }
+    const uint32_t played = c.playedTicks;
+    c.playedTicks = 0;
+    for (uint32_t i = 0; i < played; ++i) PlayTick(flight, c, false);
+    server.flight = &flight;
+  }
 
   // Hold the name a client is about to use, so that its open finds it taken.
   HANDLE taken = nullptr;

@@ -2,7 +2,9 @@
 // drive it: a named memory mapping made by the test before it starts the
 // server. It holds the server's whole offset image, so a test prepares what
 // the simulator "holds" and afterwards sees what the client wrote, and how
-// the server is to misbehave.
+// the server is to misbehave. Given a flight, the server plays it: one tick
+// of the flight each time a client reads the main block, as a simulator moves
+// on between two polls.
 #pragma once
 
 #include <cstdint>
@@ -33,6 +35,11 @@ struct Control {
   // the image: reading them gives the top of the id word at 0x3308 (0xFADE)
   // whatever a client wrote, as in the simulator's server.
   volatile uint32_t clientVersion;
+  // The flight played: its ticks in all (set by the server at start) and the
+  // ticks served so far. A server started again on the same block carries on
+  // after the ticks already played, over the image as they left it.
+  volatile uint32_t flightTicks;
+  volatile uint32_t playedTicks;
   uint8_t image[kImageSize];
 };
 
