@@ -54,7 +54,7 @@ class WebServerTest : public ::testing::Test {
     setup.root = root_->string();
     setup.recording = (*root_ / "Recordings" / "demo-c172-circuit.vrec").string();
     setup.pilot = (*root_ / "PilotRoster" / "LightSpeed.plt").string();
-    setup.maxTicks = 200;  // on the runway and climbing away: an aircraft is known
+    setup.maxTicks = 200;  // at the holding point: an aircraft is known
     host_ = new StandInHost(setup);
     std::string error;
     ASSERT_TRUE(host_->Start(error)) << error;

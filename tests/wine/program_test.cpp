@@ -203,7 +203,7 @@ std::vector<fs::path> FilesEndingIn(const fs::path& folder, const std::string& e
 // flight on a tick at each poll, so the flight is the same at any pace.
 constexpr int kFlightSpeed = 20;
 // The simulator goes away here, in the climb after the take-off.
-constexpr uint32_t kOutageAtTick = 330;
+constexpr uint32_t kOutageAtTick = 474;
 constexpr auto kFlightWait = 150s;
 
 TEST(Program, CoachesTheCircuitTheOffsetServerPlaysThroughASimulatorThatGoesAway) {
