@@ -192,6 +192,9 @@ std::string AircraftPath(const std::string& dir, const std::string& id) {
 
 }  // namespace
 
+// A leg this far out is down and locked.
+constexpr double kLegDown = 0.99;
+
 const std::vector<FlightGearField>& FlightGearFields() {
   static const std::vector<FlightGearField> fields = {
 #define VANTORO_FG_ROW(id, name, node, type, low, high) \
@@ -292,7 +295,10 @@ bool FlightGearDecoder::Decode(std::string_view packet, SimulatorState& state, s
   a.tas = num(kTas) > 0 ? num(kTas) : a.ias;
   a.vs = num(kVsFps) * kSecondsPerMinute;
   a.onGround = on(kWow0) || on(kWow1) || on(kWow2);
-  a.gearDown = on(kGearDown);
+  // A fixed gear has no lever: FlightGear's c172p reads "up" there while its
+  // three legs stand down. The gear is down when the lever says so or when
+  // every leg is down.
+  a.gearDown = on(kGearDown) || std::min({num(kGear0), num(kGear1), num(kGear2)}) >= kLegDown;
   a.flaps = std::clamp(num(kFlaps), 0.0, 1.0) * kFullFlapsDegrees;
   a.brake = num(kParkingBrake) > 0.5;
   a.battery = on(kBattery);

@@ -210,6 +210,17 @@ TEST(FlightGearLink, EachPropertyLandsAtItsOffsetInItsRawEncoding) {
       {{{"wow-0", "0"}}, 0x0366, {0, 0}},
       // Gear, flaps, controls, levers, brakes.
       {{{"gear-down", "1"}}, 0x0BE8, LittleEndian(16383, 4)},
+      // A fixed gear: the lever reads up, the three legs stand down.
+      {{{"gear-0-position", "1.000000"},
+        {"gear-1-position", "1.000000"},
+        {"gear-2-position", "1.000000"}},
+       0x0BE8,
+       LittleEndian(16383, 4)},
+      {{{"gear-0-position", "1.000000"},
+        {"gear-1-position", "0.500000"},
+        {"gear-2-position", "1.000000"}},
+       0x0BE8,
+       LittleEndian(0, 4)},
       {{{"gear-1-position", "1.000000"}}, 0x0BF4, LittleEndian(16383, 4)},
       {{{"flap-pos-norm", "0.500000"}}, 0x0BDC, LittleEndian(std::llround(0.5 * 16383), 4)},
       {{{"elevator", "-0.500000"}}, 0x0BB2, LittleEndian(std::llround(-0.5 * 16383), 2)},
