@@ -10,12 +10,15 @@ pilot would have met: the modes Taxiing or TakeOff, then Cruise, in the event
 stream; phrases spoken; the instructor's lines on FlightGear's screen; and the
 flight's recording kept beside the pilot's log.
 
-Usage: fly_flightgear.py VANTORO DATA_ROOT WORK_DIR
+Usage: fly_flightgear.py [--circuit] VANTORO DATA_ROOT WORK_DIR
+With --circuit it flies a whole left-hand circuit and a full-stop landing
+instead, as the recorded FlightGear demo flight was made.
 Runs only when fgfs is installed and VANTORO_FLIGHTGEAR=1 asks for it (make
 test-flightgear); otherwise it is skipped (exit status 77).
 """
 import glob
 import json
+import math
 import os
 import shutil
 import signal
@@ -185,76 +188,209 @@ class Instruments(threading.Thread):
             return 0.0
 
 
-def fly(fg, instruments, events, trace):
-    """Take-off, climb and level-off: full power, the runway heading with the
-    rudder on the ground and the ailerons in the air, rotate at 55 KIAS, hold
-    the climb pitch, then level at 1,300 ft and cruise power until the
-    instructor says Cruise (it waits for steady level flight). Ten times a
-    second, on each sample FlightGear streams."""
+FEET_PER_DEGREE = 364_000  # of latitude
+
+
+class Autopilot:
+    """The script's hands on the c172p: on each sample, the rudder (on the
+    ground) or the ailerons towards a heading, and the elevator towards a
+    pitch, each damped by its rate."""
+
+    def __init__(self, fg, trace):
+        self.fg = fg
+        self.trace = trace
+        self.previous = None
+        self.rates = (0.0, 0.0, 0.0)
+        self.origin = None
+        self.trim = 0.0  # the elevator that holds a pitch, learnt as it flies
+        self.started = time.time()
+
+    def read(self, sample):
+        n = Instruments.number
+        a = {k: n(sample, node) for k, node in (
+            ("ias", "/velocities/airspeed-kt"), ("gs", "/velocities/groundspeed-kt"),
+            ("pitch", "/orientation/pitch-deg"), ("roll", "/orientation/roll-deg"),
+            ("heading", "/orientation/heading-deg"), ("agl", "/position/altitude-agl-ft"),
+            ("altitude", "/position/altitude-ft"), ("climb", "/velocities/vertical-speed-fps"),
+            ("lat", "/position/latitude-deg"), ("lon", "/position/longitude-deg"))}
+        a["ground"] = sample.get("/gear/gear[1]/wow") == "1" or sample.get("/gear/gear[2]/wow") == "1"
+        if self.origin is None:
+            self.origin = (a["lat"], a["lon"])
+        # Feet from where the take-off began: x along the runway (east), y north.
+        a["x"] = (a["lon"] - self.origin[1]) * FEET_PER_DEGREE * math.cos(math.radians(a["lat"]))
+        a["y"] = (a["lat"] - self.origin[0]) * FEET_PER_DEGREE
+        now = time.time()
+        if self.previous is not None:
+            dt = max(now - self.previous[0], 0.05)
+            turn = ((a["heading"] - self.previous[3] + 540) % 360 - 180) / dt
+            measured = ((a["pitch"] - self.previous[1]) / dt, (a["roll"] - self.previous[2]) / dt,
+                        turn)
+            self.rates = tuple(0.5 * r + 0.5 * m for r, m in zip(self.rates, measured))
+        self.previous = (now, a["pitch"], a["roll"], a["heading"])
+        a["t"] = now - self.started
+        return a
+
+    def steer(self, a, heading, pitch, on_ground, max_bank=20):
+        pitch_rate, roll_rate, yaw_rate = self.rates
+        error = (heading - a["heading"] + 540) % 360 - 180
+        if on_ground:
+            rudder = 0.04 * error - 0.01 * yaw_rate
+            self.fg.set("/controls/flight/rudder", round(clamp(rudder, -0.6, 0.6), 3))
+            bank = 0.0
+        else:
+            self.fg.set("/controls/flight/rudder", 0)
+            bank = clamp(error * 1.0, -max_bank, max_bank)
+        aileron = 0.03 * (bank - a["roll"]) - 0.01 * roll_rate
+        self.fg.set("/controls/flight/aileron", round(clamp(aileron, -0.5, 0.5), 3))
+        if pitch is not None:
+            if not on_ground:
+                self.trim = clamp(self.trim + 0.003 * (a["pitch"] - pitch), -0.4, 0.3)
+            elevator = 0.04 * (a["pitch"] - pitch) + 0.015 * pitch_rate - 0.05 + self.trim
+            self.fg.set("/controls/flight/elevator", round(clamp(elevator, -0.7, 0.4), 3))
+        self.trace.write(f"{a['t']:6.1f} ias {a['ias']:5.1f} alt {a['altitude']:6.0f} "
+                         f"agl {a['agl']:6.0f} x {a['x']:7.0f} y {a['y']:6.0f} "
+                         f"pitch {a['pitch']:5.1f}/{pitch if pitch is not None else 0:5.1f} "
+                         f"roll {a['roll']:5.1f} heading {a['heading']:5.1f}/{heading:5.1f} "
+                         f"climb {a['climb']:5.1f}\n")
+
+    @staticmethod
+    def hold(a, altitude, level_pitch, most=5.0):
+        """The pitch that brings the aircraft to an altitude: a climb rate
+        towards it, a pitch towards the rate."""
+        wanted = clamp((altitude - a["altitude"]) * 0.03, -most, most)
+        return clamp(level_pitch + 0.4 * (wanted - a["climb"]), -6, 8)
+
+    def throttle(self, value):
+        self.fg.set("/controls/engines/current-engine/throttle", round(clamp(value, 0, 1), 3))
+
+
+def take_off(fg):
     fg.set("/controls/flight/flaps", 0)
     # The c172p's own levers, which its systems copy to the engine's.
     fg.set("/sim/model/c172p/brake-parking", 0)
     fg.set("/controls/engines/current-engine/mixture", 1)
     fg.set("/controls/engines/current-engine/throttle", 1)
     fg.set("/controls/lighting/landing-lights", 1)
+
+
+def fly(fg, instruments, events, trace):
+    """Take-off, climb and level-off: full power, the runway heading with the
+    rudder on the ground and the ailerons in the air, rotate at 55 KIAS, hold
+    the climb pitch, then level at 1,300 ft and cruise power until the
+    instructor says Cruise (it waits for steady level flight). Ten times a
+    second, on each sample FlightGear streams."""
+    pilot = Autopilot(fg, trace)
+    take_off(fg)
     airborne = level = False
-    started = time.time()
-    number, count, previous, rates = Instruments.number, 0, None, (0.0, 0.0, 0.0)
-    while time.time() - started < CLIMB_TIMEOUT:
+    count = 0
+    while time.time() - pilot.started < CLIMB_TIMEOUT:
         sample, count = instruments.next(count)
         if sample is None:
             continue
-        ias = number(sample, "/velocities/airspeed-kt")
-        pitch = number(sample, "/orientation/pitch-deg")
-        roll = number(sample, "/orientation/roll-deg")
-        heading = number(sample, "/orientation/heading-deg")
-        agl = number(sample, "/position/altitude-agl-ft")
-        altitude = number(sample, "/position/altitude-ft")
-        climb = number(sample, "/velocities/vertical-speed-fps")
-        now = time.time()
-        if previous is not None:
-            dt = max(now - previous[0], 0.05)
-            turn = ((heading - previous[3] + 540) % 360 - 180) / dt
-            measured = ((pitch - previous[1]) / dt, (roll - previous[2]) / dt, turn)
-            rates = tuple(0.5 * r + 0.5 * m for r, m in zip(rates, measured))
-        previous = (now, pitch, roll, heading)
-        pitch_rate, roll_rate, yaw_rate = rates
-        error = (RUNWAY_HEADING - heading + 540) % 360 - 180
+        a = pilot.read(sample)
         if not airborne:
-            rudder = 0.04 * error - 0.01 * yaw_rate
-            fg.set("/controls/flight/rudder", round(clamp(rudder, -0.6, 0.6), 3))
-            target = CLIMB_PITCH if ias >= ROTATE_KIAS else 0.0
-            airborne = agl > 50
-        elif altitude < LEVEL_ALTITUDE - 100 and not level:
-            fg.set("/controls/flight/rudder", 0)
+            target = CLIMB_PITCH if a["ias"] >= ROTATE_KIAS else None
+            airborne = a["agl"] > 50
+        elif a["altitude"] < LEVEL_ALTITUDE - 100 and not level:
             target = CLIMB_PITCH
         else:
             if not level:
-                fg.set("/controls/engines/current-engine/throttle", 0.7)
+                pilot.throttle(0.7)
                 level = True
-            # Altitude hold: a climb rate towards the level, a pitch towards the rate.
-            wanted = clamp((LEVEL_ALTITUDE - altitude) * 0.03, -4, 4)
-            target = clamp(2.0 + 0.4 * (wanted - climb), -4, 6)
-        bank = clamp(error * 1.0, -15, 15) if airborne else 0.0
-        aileron = 0.03 * (bank - roll) - 0.01 * roll_rate
-        fg.set("/controls/flight/aileron", round(clamp(aileron, -0.5, 0.5), 3))
-        if ias >= ROTATE_KIAS or airborne:
-            # Pitch towards the target, damped by the pitch rate.
-            elevator = 0.04 * (pitch - target) + 0.015 * pitch_rate - 0.05
-            fg.set("/controls/flight/elevator", round(clamp(elevator, -0.7, 0.4), 3))
-        trace.write(f"{now - started:6.1f} ias {ias:5.1f} alt {altitude:6.0f} agl {agl:6.0f} "
-                    f"pitch {pitch:5.1f} target {target:5.1f} roll {roll:5.1f} "
-                    f"heading {heading:5.1f} climb {climb:5.1f}\n")
+            target = pilot.hold(a, LEVEL_ALTITUDE, 2.0, most=4)
+        pilot.steer(a, RUNWAY_HEADING, target, on_ground=not airborne, max_bank=15)
         if "Cruise" in events.modes():
             return True
     return False
 
 
+CIRCUIT_ALTITUDE = 1000  # feet above the sea; the runway is at 13
+GLIDE_SLOPE = math.tan(math.radians(3))
+AIM_POINT = 1000  # feet down the runway from where the take-off began
+RUNWAY_OBS = 80  # 08L's magnetic heading, set on NAV1's OBS as the instructor expects
+
+
+def fly_circuit(fg, instruments, events, trace):
+    """A left-hand circuit of runway 08L and a full-stop landing: crosswind at
+    700 ft, downwind at 1,000 ft with 10 degrees of flap abeam the runway's
+    start, base with 20, final on the centreline and a three-degree path with
+    30 at 62 knots, a flare at 15 ft and the brakes on the roll-out. The landing is the
+    instructor's to score; the flight ends when it has."""
+    pilot = Autopilot(fg, trace)
+    fg.set("/instrumentation/nav[0]/radials/selected-deg", RUNWAY_OBS)
+    take_off(fg)
+    phase, count = "roll", 0
+    while time.time() - pilot.started < 1500:
+        sample, count = instruments.next(count)
+        if sample is None:
+            continue
+        a = pilot.read(sample)
+        x, y = a["x"], a["y"]
+        if phase == "roll":
+            pilot.steer(a, RUNWAY_HEADING, CLIMB_PITCH if a["ias"] >= ROTATE_KIAS else None, True)
+            if a["agl"] > 50:
+                phase = "climb"
+        elif phase == "climb":
+            pilot.steer(a, RUNWAY_HEADING, CLIMB_PITCH, False)
+            if a["altitude"] > 700:
+                phase = "crosswind"
+        elif phase == "crosswind":
+            pitch = CLIMB_PITCH if a["altitude"] < CIRCUIT_ALTITUDE - 80 else pilot.hold(
+                a, CIRCUIT_ALTITUDE, 2.0)
+            pilot.steer(a, 0, pitch, False)
+            if y > 3500:
+                phase = "downwind"
+        elif phase == "downwind":
+            if a["altitude"] > CIRCUIT_ALTITUDE - 80:
+                pilot.throttle(0.55 + 0.04 * (80 - a["ias"]))
+            pilot.steer(a, 270 - clamp((y - 5000) * 0.01, -20, 20),
+                        pilot.hold(a, CIRCUIT_ALTITUDE, 2.0), False)
+            if x < 0:
+                fg.set("/controls/flight/flaps", 0.333)
+            if x < -4500:
+                phase = "base"
+                fg.set("/controls/flight/flaps", 0.667)
+        elif phase == "base":
+            pilot.throttle(0.35 + 0.04 * (70 - a["ias"]))
+            pilot.steer(a, 180, pilot.hold(a, 600, 0.0, most=6), False)
+            if y < 1500:
+                phase = "final"
+                fg.set("/controls/flight/flaps", 1.0)
+        elif phase == "final":
+            # The centreline by heading, the path by pitch, the speed by power.
+            track = RUNWAY_HEADING + clamp(y * 0.1, -30, 30)
+            path = 13 + max(AIM_POINT - x, 0) * GLIDE_SLOPE
+            pilot.throttle(0.35 + 0.04 * (62 - a["ias"]))
+            pilot.steer(a, track, pilot.hold(a, path, -1.0, most=8), False, max_bank=15)
+            if a["agl"] < 15:
+                phase = "flare"
+                pilot.throttle(0)
+        elif phase == "flare":
+            pilot.steer(a, RUNWAY_HEADING + clamp(y * 0.1, -10, 10), 5.0, False, max_bank=5)
+            if a["ground"]:
+                phase = "rollout"
+        elif phase == "rollout":
+            pilot.steer(a, RUNWAY_HEADING + clamp(y * 0.1, -10, 10), None, True)
+            fg.set("/controls/flight/elevator", -0.2)
+            fg.set("/controls/gear/brake-left", 0.6)
+            fg.set("/controls/gear/brake-right", 0.6)
+            if a["gs"] < 3:
+                phase = "stopped"
+                fg.set("/controls/flight/flaps", 0)
+                stopped = time.time()
+        elif phase == "stopped":
+            if events.of("landing") or time.time() - stopped > 60:
+                return bool(events.of("landing"))
+    return False
+
+
 def main():
-    if len(sys.argv) != 4:
+    circuit = "--circuit" in sys.argv
+    args = [a for a in sys.argv[1:] if a != "--circuit"]
+    if len(args) != 3:
         print(__doc__)
         return 2
-    vantoro, source, work = sys.argv[1:4]
+    vantoro, source, work = args
     if os.environ.get("VANTORO_FLIGHTGEAR") != "1":
         log("SKIPPED: a real FlightGear flight runs only with VANTORO_FLIGHTGEAR=1 "
             "(make test-flightgear)")
@@ -338,7 +474,7 @@ def main():
             return 1
         time.sleep(10)  # the instructor sees the aircraft standing on the runway first
         with open(os.path.join(work, "fly.log"), "w") as trace:
-            connected = fly(fg, instruments, events, trace)
+            connected = (fly_circuit if circuit else fly)(fg, instruments, events, trace)
         # Whatever Vantoro wrote on FlightGear's screen.
         screen = fg.get("/sim/screen/white")
         time.sleep(3)
@@ -357,7 +493,8 @@ def main():
         log(f"recordings: {recordings}")
         failures = []
         if not connected:
-            failures.append("the instructor never said Cruise")
+            failures.append("the instructor never scored the landing" if circuit
+                            else "the instructor never said Cruise")
         climbed_out = "Cruise" in modes and any(
             m in ("Taxiing", "TakeOff") for m in modes[:modes.index("Cruise")])
         if not climbed_out:
