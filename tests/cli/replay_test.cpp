@@ -262,5 +262,28 @@ TEST(Replay, TheDemoCircuitIsJudgedAgainstTheRunwayIntoTheWind) {
   EXPECT_EQ(log.OfType("flight").size(), 1u);
 }
 
+// A circuit flown in FlightGear at Honolulu and recorded through its link:
+// real simulator values, with the magnetic variation (9.5 degrees east) that
+// the generated flights at Kidlington barely have.
+TEST(Replay, TheFlightGearCircuitAtHonoluluIsFlownAndLanded) {
+  Recording r;
+  std::string error;
+  const std::string file = testing::DataRoot() + "/Recordings/flightgear-c172-phnl-circuit.vrec.gz";
+  ASSERT_TRUE(LoadRecording(file, r, error)) << error;
+  EventLog log;
+  Replay replay(ReplaySetup{testing::DataRoot(), 1, true, {}, {}}, log);
+  replay.Run(r);
+  std::vector<std::string> modes;
+  for (const Event& e : log.OfType("mode")) modes.push_back(e.Text("mode"));
+  EXPECT_EQ(modes, (std::vector<std::string>{"Taxiing", "TakeOff", "Cruise", "Landing"}));
+  const std::vector<Event> landings = log.OfType("landing");
+  ASSERT_EQ(landings.size(), 1u);
+  const std::string report = landings[0].Text("report");
+  for (const char* line : {"* Landed on runway surface.", "* Wings were level.",
+                           "* Heading aligned with runway.", "* Good steering after landing."})
+    EXPECT_NE(report.find(line), std::string::npos) << line << "\n" << report;
+  EXPECT_EQ(report.find("crash"), std::string::npos) << report;
+}
+
 }  // namespace
 }  // namespace vantoro

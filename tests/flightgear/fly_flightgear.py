@@ -447,6 +447,8 @@ def main():
                    DBUS_FATAL_WARNINGS="0")
         # Drawing is off: on two cores FlightGear reaches real time only so.
         spawn([FGFS, "--aircraft=c172p", "--airport=PHNL", "--runway=08L", "--timeofday=noon",
+               # Honolulu's trade wind, so that 08L is the runway into the wind.
+               "--wind=085@8",
                "--geometry=160x120", "--disable-clouds", "--disable-hud", "--disable-panel",
                "--disable-ai-traffic", "--disable-terrasync", "--disable-sound",
                "--disable-splash-screen",
