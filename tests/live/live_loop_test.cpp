@@ -258,6 +258,15 @@ std::vector<fs::path> FilesEndingIn(const fs::path& folder, const std::string& e
   return out;
 }
 
+// The simulator as the taxi script has it after a few seconds.
+OffsetImage TaxiingImage() {
+  OffsetImage image;
+  testing::ForEachTick(GenerateScript(kTaxiScript), [&](const OffsetImage& now, int64_t tick) {
+    if (tick == 20) image = now;
+  });
+  return image;
+}
+
 // The hot key slot "next flight mode".
 constexpr int kPressedInApp = 7;
 
@@ -265,11 +274,7 @@ TEST(LiveLoop, ConnectAndDisconnectFromTheAppAndTheFlightsRecordingReplays) {
   const fs::path folder = fs::temp_directory_path() / ("vantoro-live-" + std::to_string(getpid()));
   fs::remove_all(folder);
   const std::string root = MakeVoiceRoot(folder.string(), "Jim", {});
-  // The simulator as the taxi script has it after a few seconds.
-  OffsetImage image;
-  testing::ForEachTick(GenerateScript(kTaxiScript), [&](const OffsetImage& now, int64_t tick) {
-    if (tick == 20) image = now;
-  });
+  OffsetImage image = TaxiingImage();
 
   Witness witness;
   auto clock = std::make_unique<StepClock>();
@@ -338,10 +343,7 @@ TEST(LiveLoop, ASimulatorGoneForAWhileLeavesTheFlightInOneWholeRecording) {
   const fs::path folder = fs::temp_directory_path() / ("vantoro-gone-" + std::to_string(getpid()));
   fs::remove_all(folder);
   const std::string root = MakeVoiceRoot(folder.string(), "Jim", {});
-  OffsetImage image;
-  testing::ForEachTick(GenerateScript(kTaxiScript), [&](const OffsetImage& now, int64_t tick) {
-    if (tick == 20) image = now;
-  });
+  OffsetImage image = TaxiingImage();
   Witness witness;
   auto clock = std::make_unique<StepClock>();
   LiveParts parts = TestParts(witness, clock.get());
